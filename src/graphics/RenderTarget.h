@@ -16,11 +16,8 @@
 #pragma once
 
 #include "foundation/GTemplate.h"
+#include "foundation/Screen.h"
 #include "foundation/Types.h"
-
-// The window never changes its size.
-constexpr INT32 WINDOW_WIDTH = 1024;
-constexpr INT32 WINDOW_HEIGHT = 576;
 
 // The values of Create's DepthFormat: the pixel type that goes with the empty depth texture.
 constexpr INT32 DEPTH_FORMAT_BYTE = 11;

@@ -15,16 +15,11 @@
 #pragma once
 
 #include "foundation/GTemplate.h"
+#include "foundation/Screen.h"
 #include "foundation/Types.h"
 #include "foundation/Vector.h"
 
 #include <SDL/SDL_keysym.h>
-
-// The window, which is also the screen of all two-dimensional work.
-constexpr int WINDOW_WIDTH = 1024;
-constexpr int WINDOW_HEIGHT = 576;
-constexpr int WINDOW_CENTRE_X = WINDOW_WIDTH / 2;
-constexpr int WINDOW_CENTRE_Y = WINDOW_HEIGHT / 2;
 
 // Codes of GKeyBinds: SDL's key symbols as they are, then mouse buttons and axes.
 constexpr UINT32 CODE_MOUSE_BUTTON = 0x10000; // plus the button: 1 left, 2 middle, 3 right

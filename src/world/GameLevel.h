@@ -1,0 +1,97 @@
+// CLevel: the running level. There is one at a time, reached through GLevel; the game replaces it on every change.
+//
+// Life: construct (makes the render targets, so a GL context and a physics world must exist), LoadSourceLevel once, then
+// Update per fixed step and Render per picture, then delete. Build brings the level up in a fixed order (grid, sky,
+// terrain, entities in file order), so an entity's constructor finds ground to stand on and a grid to enter; the
+// destructor takes the entities down first.
+// Ownership: the level owns its entities, terrain, grid and targets. Members are public for the code of world, game and
+// editor; the drawing operations are defined in scene/level/.
+// Units: world units, radians, seconds. Z is up unless the gravity parameters tilt it.
+// Cost: loading decodes pictures and builds buffers; Update is one physics step and one call per entity; the grid's
+// cells cost memory only where a client touches them.
+// Bad input: a missing file, a wrong magic or an unknown definition word is fatal; an entity of an unknown class and a
+// malformed number are reported on standard output, and the level goes on.
+#pragma once
+
+#include "graphics/RenderTarget.h"
+#include "scene/Sky.h"
+#include "scene/SpatialGrid.h"
+#include "world/Entity.h"
+#include "world/LevelParams.h"
+
+struct STerrain;
+class btRigidBody;
+
+class CLevel {
+public:
+    CLevel();
+    ~CLevel();
+    CLevel(const CLevel&) = delete;
+    CLevel& operator=(const CLevel&) = delete;
+
+    // Reads the file and builds the level; called once on a new object. Returns 1; failures are fatal.
+    UINT32 LoadSourceLevel(const char* Path);
+
+    // One fixed step: physics, entities, deferred deletes.
+    void Update(float Delta);
+
+    // Writes the level as it stands to Data/Levels/_TmpSlopeRush.wlm. 0 if the file can't be opened, else 1.
+    UINT32 SaveTemporaryLevel();
+
+    // Enters a client with its present bounds into the grid and the level's list; the entity keeps owning it and takes
+    // it out again with RemoveSpatialClient before it dies.
+    void AddSpatialClient(IRenderable* Client);
+    void RemoveSpatialClient(IRenderable* Client);
+
+    // Appends a new entity to both lists; the level owns it from then on.
+    void AddEntity(CEntity* Entity);
+
+    // Takes the entity out at the end of the present update; unknown entities are ignored.
+    void RemoveEntity(CEntity* Entity);
+
+    // Fills PickHits with what lies along the ray, nearest first.
+    void TraceClients(const Ray& PickRay);
+
+    // Drawing: scene/level/.
+    void Render(float BlendDelta);
+    void RenderScene(float BlendDelta, bool ShadowPass);
+    void RenderSunShadow(float BlendDelta);
+    void PostProcess();
+    void SetSunLight();
+    void SetSunCamera() const;
+    void DrawSun() const;
+    Quat GravityRotation() const;
+    Vec3 SunDirection() const; // unit vector towards the sun
+
+    INT32 EditMode = 0; // the editor runs while it is not zero
+    SLevelParams Params;
+    GArray<SEntityDef> EntityDefs;
+    SSky Sky;
+    STerrain* Terrain = nullptr;
+    GArray<CEntity*> Entities;       // what the present update walks
+    GArray<CEntity*> ActiveEntities; // becomes Entities when the update ends
+    GArray<CEntity*> DeadEntities;   // deleted when the update ends
+    SSpatialGrid* Grid = nullptr;
+    GList<SSpatialClient*> SpatialClients;
+    SRayHits PickHits;
+
+    GameRT SceneRT;   // the picture until post-processing
+    GameRT OverlayRT; // the 2D layer of game and editor, transparent where nothing is drawn
+    GameRT ShadowRT;  // the sun's shadow map
+    UINT32 PostProgram = 0;
+    UINT32 ShadowProgram = 0;
+    UINT32 SunTexture = 0;
+    UINT32 FlareTexture = 0;
+
+private:
+    void Build(const char* Path);
+    void CollectEntityDefs();
+    void DestroyEntities();
+    void InitDrawing();
+    void FreeDrawing();
+};
+
+extern CLevel* GLevel;
+
+// The body of the editor's free camera; it lives as long as a level does.
+extern btRigidBody* GEditorBody;
