@@ -43,12 +43,14 @@ CLevel::~CLevel() {
     DestroyEntities();
     PhyRemoveBody(GEditorBody);
     GEditorBody = nullptr;
-    FreeDrawing();
+    FreeSun();
+    Sky.Free();
     if (Terrain) {
         Terrain->Free();
         delete Terrain;
     }
     delete Grid;
+    FreeTargets();
 }
 
 UINT32 CLevel::LoadSourceLevel(const char* Path) {

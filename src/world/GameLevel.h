@@ -56,6 +56,7 @@ public:
     void Render(float BlendDelta);
     void RenderScene(float BlendDelta, bool ShadowPass);
     void RenderSunShadow(float BlendDelta);
+    void RenderTerrainShadow();
     void PostProcess();
     void SetSunLight();
     void SetSunCamera() const;
@@ -88,7 +89,8 @@ private:
     void CollectEntityDefs();
     void DestroyEntities();
     void InitDrawing();
-    void FreeDrawing();
+    void FreeSun();
+    void FreeTargets();
 };
 
 extern CLevel* GLevel;

@@ -1,0 +1,96 @@
+// One picture of a level: shadow map of the sun, the scene into SceneRT, and one full-screen draw into the window.
+#include "graphics/ShaderLib.h"
+#include "scene/DrawHelpers.h"
+#include "terrain/Terrain.h"
+#include "world/GameLevel.h"
+
+#include <GL/glew.h>
+
+namespace {
+
+constexpr float DEGREES = 3.1415927f / 180.0f;
+
+void UnbindBuffers() {
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
+}
+
+} // namespace
+
+// The game has cleared the window. All decisions by distance, in every pass, are taken from the picture's own eye.
+void CLevel::Render(float BlendDelta) {
+    SceneRT.Bind();
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    GFogColor = {Params.FogColor_R, Params.FogColor_G, Params.FogColor_B};
+    GFogData = {Params.SkyFog, Params.SkyFogExp};
+    glUseProgram(Sky.Program);
+    ShaderSendFog(Sky.Program);
+    GFogData = {Params.FogDist, Params.FogExp};
+
+    GLodCameraPos = GCamera.Eye;
+    RenderSunShadow(BlendDelta);
+
+    M_CameraLookAt(GViewMatrix);
+    M_Mat4Perspective(GProjectionMatrix, GCamera.Fov * DEGREES, GCamera.Aspect, GCamera.Near, GCamera.Far);
+    RenderScene(BlendDelta, false);
+    SceneRT.Unbind();
+    PostProcess();
+}
+
+void CLevel::RenderSunShadow(float BlendDelta) {
+    const CameraState Saved = GCamera;
+    ShadowRT.Bind();
+    glClear(GL_DEPTH_BUFFER_BIT);
+    SetSunCamera();
+    M_CameraLookAt(GViewMatrix);
+    M_CameraOrtho(GProjectionMatrix);
+    glUseProgram(ShadowProgram);
+    ShaderSendViewMatrix(ShadowProgram);
+    ShaderSendProjectionMatrix(ShadowProgram);
+    RenderScene(BlendDelta, true);
+    ShadowRT.Unbind();
+    GCamera = Saved;
+}
+
+// Opaque ground lays down depth first, the sky fills only what is left at depth 1, and the sun is tested against the
+// finished depth at the far plane.
+void CLevel::RenderScene(float, bool ShadowPass) {
+    if (ShadowPass) {
+        RenderTerrainShadow();
+        return;
+    }
+    SetSunLight();
+    Terrain->Draw();
+    glDepthRange(1.0, 1.0);
+    Sky.Draw(GravityRotation());
+    DrawSun();
+    glDepthRange(0.0, 1.0);
+}
+
+void CLevel::RenderTerrainShadow() {
+    ShaderSetUniform1i(0, ShadowProgram, "Texture");
+    glActiveTexture(GL_TEXTURE0);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    if (!Terrain->Visible(true)) {
+        return;
+    }
+    Terrain->SetLods(GLodCameraPos, Params.ClipDist);
+    Terrain->Bind(true, true);
+    ShaderSendWorldMatrix(ShadowProgram);
+    Terrain->DrawLeaves();
+    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
+    UnbindBuffers();
+}
+
+void CLevel::PostProcess() {
+    glActiveTexture(GL_TEXTURE0);
+    glBindTexture(GL_TEXTURE_2D, SceneRT.ColorTex);
+    glEnable(GL_TEXTURE_2D);
+    glGenerateMipmap(GL_TEXTURE_2D);
+    glUseProgram(PostProgram);
+    glActiveTexture(GL_TEXTURE1);
+    glBindTexture(GL_TEXTURE_2D, SceneRT.DepthTex);
+    ShaderSetUniform1i(0, PostProgram, "FSTex");
+    ShaderSetUniform1i(1, PostProgram, "DTex");
+    DrawQuad(-1, 1, 1, -1, 0);
+}
