@@ -5,7 +5,7 @@
 // A target is not copied: GLastFBOs holds its address while it is bound, so it must not move then either.
 //
 // Targets nest: Bind pushes on GLastFBOs, Unbind returns to the target beneath with its viewport, or to the window with
-// WINDOW_WIDTH by WINDOW_HEIGHT when there is none. Nothing is cleared and no other state is kept; mipmaps of the
+// its fixed size when there is none. Nothing is cleared and no other state is kept; mipmaps of the
 // colour texture are the caller's to generate. The textures may be sampled while the target is not bound.
 //
 // Create allocates video memory and belongs into loading; it leaves the window's framebuffer bound, so it must not be
