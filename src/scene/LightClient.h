@@ -1,0 +1,31 @@
+// SLightClient: a spot light in the spatial index, with its own shadow map.
+//
+// Ownership: whoever makes the light owns it, creates its ShadowTarget (depth only) before it is drawn and takes it out
+// of the index before it dies. ShadowTarget's destructor frees OpenGL objects, so a light dies while the context lives.
+// Position and direction are kept for the last fixed step and the one before, and blended per picture; the blended
+// direction is normalised, so a zero direction gives a degenerate view and belongs to a light that is off.
+// Units: world space; Angle is the full cone in degrees, Range the reach in world units.
+// Cost: each visible light is a shadow pass and a full additive pass over what it reaches.
+#pragma once
+
+#include "graphics/RenderTarget.h"
+#include "scene/SpatialGrid.h"
+
+// Bit of SLightClient::Flags: the light is left out of the frame.
+constexpr UINT8 LIGHT_FLAG_OFF = 1;
+
+struct SLightClient : SSpatialClient {
+    SLightClient() { Kind = CLIENT_LIGHT; }
+
+    UINT64 RenderStamp = STAMP_NEVER; // written by QueryLightClients
+    UINT8 Flags = 0;
+    Vec3 PrevPos;
+    Vec3 Pos;
+    Vec3 PrevDir;
+    Vec3 Dir;
+    float Range = 0; // far distance of the light's camera
+    float Angle = 0;
+    Vec3 Color;
+    UINT32 ProjTexture = 0; // 0 is none
+    GameRT ShadowTarget;
+};
