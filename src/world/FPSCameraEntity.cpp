@@ -53,7 +53,7 @@ void CFPSCameraEntity::Update(float) {
 
     btTransform Transform;
     Body->getMotionState()->getWorldTransform(Transform);
-    const btVector3 Origin = Transform.getOrigin() / PhyScale;
+    const btVector3 Origin = Transform.getOrigin() * PhyWorldScale;
     Position = {Origin.x(), Origin.y(), Origin.z()};
     GCamera.Eye = Position;
     GCamera.Target = Position + Forward;

@@ -4,6 +4,7 @@
 #include "foundation/Scan.h"
 #include "physics/Physics.h"
 #include "platform/Platform.h"
+#include "scene/Renderable.h"
 #include "terrain/Terrain.h"
 #include "world/FPSCameraEntity.h"
 #include "world/LevelFile.h"

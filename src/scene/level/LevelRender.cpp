@@ -6,16 +6,7 @@
 
 #include <GL/glew.h>
 
-namespace {
-
-constexpr float DEGREES = 3.1415927f / 180.0f;
-
-void UnbindBuffers() {
-    glBindBuffer(GL_ARRAY_BUFFER, 0);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
-}
-
-} // namespace
+static constexpr float DEGREES = 3.1415927f / 180.0f; // in radians
 
 // The game has cleared the window. All decisions by distance, in every pass, are taken from the picture's own eye.
 void CLevel::Render(float BlendDelta) {
@@ -78,8 +69,7 @@ void CLevel::RenderTerrainShadow() {
     Terrain->Bind(true, true);
     ShaderSendWorldMatrix(ShadowProgram);
     Terrain->DrawLeaves();
-    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
-    UnbindBuffers();
+    Terrain->Unbind();
 }
 
 void CLevel::PostProcess() {

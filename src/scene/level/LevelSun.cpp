@@ -20,9 +20,7 @@ constexpr float FLARE_SIZE = 128.0f; // half width
 } // namespace
 
 Quat CLevel::GravityRotation() const {
-    Quat Rotation;
-    M_QuatFromEuler({Params.Gravity_Angle, Params.Gravity_Pitch - PI, 0}, Rotation);
-    return Rotation;
+    return M_QuatFromEuler({Params.Gravity_Angle, Params.Gravity_Pitch - PI, 0});
 }
 
 Vec3 CLevel::SunDirection() const {
