@@ -3,7 +3,6 @@
 #include "foundation/Camera.h"
 
 #include <SDL/SDL_events.h>
-#include <cmath>
 #include <cstring>
 
 UINT8 GKeys[SDLK_LAST];

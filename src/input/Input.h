@@ -3,7 +3,7 @@
 // Raw layer: global arrays with every key and mouse button of this step and of the step before. A key has just gone
 // down if GKeys[k] is set and GLastKeys[k] is not; mouse movement is GMousePos (foundation/Camera.h) minus
 // GLastMousePos. Binding layer: a piece of game code gives an action a name and up to three codes (SKeyBind), binds it
-// and reads SKeyBind::State.
+// and reads SKeyBind::State: 1 in the step of the press, 2 while held, 3 in the step of the release, else 0.
 //
 // Ownership: a record belongs to whoever binds it and must stay alive until it is unbound or the program ends.
 // Entries of GKeyBinds are never removed, only cleared.
@@ -85,7 +85,10 @@ void SetAxisState(UINT32 Code, float Value);
 // Moves the state of this step into the copies of the last one and empties the typed text. Runs before InputPump.
 void InputBeginStep();
 
-// Ages the bindings by one step, then reads SDL's events. An event that ends the program sets GQuit and leaves those
+// Ages the bindings by one step: what was pressed is held, what was released is idle. InputPump begins with it.
+void TickBinds();
+
+// TickBinds, then reads SDL's events. An event that ends the program sets GQuit and leaves those
 // behind it in the queue.
 void InputPump();
 
