@@ -2,11 +2,6 @@
 # The libraries named are the folders and packages that it stands on.
 function(add_folder name)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp)
-  if(NOT sources)
-    add_library(${name} INTERFACE)
-    target_link_libraries(${name} INTERFACE project_flags ${ARGN})
-    return()
-  endif()
   add_library(${name} STATIC ${sources})
   target_link_libraries(${name} PUBLIC project_flags ${ARGN})
 endfunction()
