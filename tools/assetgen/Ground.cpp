@@ -1,0 +1,135 @@
+// Detail textures of the terrain: snow and rock, each as a colour and a normal map, 512 by 512, repeating in both
+// directions.
+//
+// Colour and normals of one ground come from one relief, so that they fit. Snow's alpha holds its glints: a few grains
+// with a random phase, nothing elsewhere. Rock's alpha holds its relief, by which snow settles in its hollows.
+// Normals point up along blue; their alpha is whole, since the shadow pass tests it.
+#include "Asset.h"
+#include "Noise.h"
+#include "Picture.h"
+
+#include <cmath>
+#include <cstring>
+
+namespace {
+
+constexpr INT32 SIDE = 512;
+
+using Relief = float (*)(float u, float v);
+
+// Wind ripples: crests across the wind, bent and broken up, on soft drifts; u and v from 0 to 1.
+float SnowRelief(float u, float v) {
+    const float Drift = NoiseFbmTiled(u * 3, v * 4, 3, 4, 3, 100);
+    const float Bend = NoiseFbmTiled(u * 4, v * 4, 4, 4, 3, 110);
+    // Whole numbers of crests in both directions keep the tile closed.
+    const float Phase = 6.2831853f * (3.0f * u + 17.0f * v) + 5.5f * Bend;
+    float Ripple = 0.5f + 0.5f * std::sin(Phase);
+    Ripple *= Ripple;
+    const float Broken = SmoothStep(-0.25f, 0.35f, NoiseFbmTiled(u * 5, v * 8, 5, 8, 3, 120));
+    const float Streak = NoiseFbmTiled(u * 6, v * 40, 6, 40, 3, 130);
+    const float Grain = NoiseFbmTiled(u * 90, v * 90, 90, 90, 2, 140);
+    return 1.2f * Drift + 0.34f * Ripple * Broken + 0.28f * Streak + 0.05f * Grain;
+}
+
+// Strata along u that lean and break, cracks between blocks, and grit.
+float RockRelief(float u, float v) {
+    const float Warp = NoiseFbmTiled(u * 3, v * 3, 3, 3, 4, 200);
+    const float Layer = v * 9.0f + 0.55f * Warp + 0.25f * NoiseFbmTiled(u * 2, v * 9, 2, 9, 2, 210);
+    const float Part = Layer - std::floor(Layer);
+    const float Ledge = SmoothStep(0.0f, 0.75f, Part) - SmoothStep(0.82f, 1.0f, Part);
+
+    float Near, Second;
+    NoiseWorleyTiled(u * 7 + 0.6f * Warp, v * 11 + 0.5f * Warp, 7, 11, 220, Near, Second);
+    const float Block = SmoothStep(0.0f, 0.22f, Second - Near);
+    NoiseWorleyTiled(u * 22 + 0.9f * Warp, v * 26 + 0.9f * Warp, 22, 26, 230, Near, Second);
+    const float Chip = SmoothStep(0.0f, 0.3f, Second - Near);
+
+    const float Rough = NoiseFbmTiled(u * 12, v * 12, 12, 12, 5, 240);
+    return 0.55f * Ledge + 0.35f * Block + 0.14f * Chip + 0.55f * Rough + 0.5f * Warp;
+}
+
+// Relief of the whole tile; a neighbour beyond an edge is found on the other side.
+class CField {
+public:
+    explicit CField(Relief Source) {
+        Heights.Resize(SIDE * SIDE);
+        for (INT32 y = 0; y < SIDE; ++y) {
+            for (INT32 x = 0; x < SIDE; ++x) {
+                Heights.Data[y * SIDE + x] =
+                    Source((static_cast<float>(x) + 0.5f) / SIDE, (static_cast<float>(y) + 0.5f) / SIDE);
+            }
+        }
+    }
+
+    float At(INT32 x, INT32 y) const { return Heights.Data[(y & (SIDE - 1)) * SIDE + (x & (SIDE - 1))]; }
+
+    // How much a place lies above its surroundings.
+    float Prominence(INT32 x, INT32 y, INT32 Reach) const {
+        const float Around = At(x - Reach, y) + At(x + Reach, y) + At(x, y - Reach) + At(x, y + Reach);
+        return At(x, y) - Around * 0.25f;
+    }
+
+private:
+    GArray<float> Heights;
+};
+
+bool SaveNormals(const CField& Field, float Strength, const char* File) {
+    CPicture Picture(SIDE, SIDE, 4);
+    for (INT32 y = 0; y < SIDE; ++y) {
+        for (INT32 x = 0; x < SIDE; ++x) {
+            const float dx = (Field.At(x - 1, y) - Field.At(x + 1, y)) * Strength;
+            const float dy = (Field.At(x, y - 1) - Field.At(x, y + 1)) * Strength;
+            const float Scale = 0.5f / std::sqrt(dx * dx + dy * dy + 1.0f);
+            Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), dx * Scale + 0.5f, dy * Scale + 0.5f,
+                              Scale + 0.5f);
+        }
+    }
+    return Picture.SavePng(File);
+}
+
+bool SaveSnow(const CField& Field, const char* File) {
+    constexpr float GLINTS = 0.035f; // part of the texels that glint
+    CPicture Picture(SIDE, SIDE, 4);
+    for (INT32 y = 0; y < SIDE; ++y) {
+        for (INT32 x = 0; x < SIDE; ++x) {
+            const float High = Field.Prominence(x, y, 12);
+            const float Grain = NoiseCell(x, y, 150) - 0.5f;
+            const float Bright = 0.93f + 0.10f * High + 0.030f * Grain;
+            const float Cool = Clamp01(0.5f - 1.5f * High);
+            const float Glint = NoiseCell(x, y, 160) < GLINTS ? 0.35f + 0.65f * NoiseCell(x, y, 161) : 0.0f;
+            Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), Bright - 0.030f * Cool,
+                              Bright - 0.010f * Cool, Bright + 0.012f * Cool, Glint);
+        }
+    }
+    return Picture.SavePng(File);
+}
+
+bool SaveRock(const CField& Field, const char* File) {
+    CPicture Picture(SIDE, SIDE, 4);
+    for (INT32 y = 0; y < SIDE; ++y) {
+        for (INT32 x = 0; x < SIDE; ++x) {
+            const float u = static_cast<float>(x) / SIDE;
+            const float v = static_cast<float>(y) / SIDE;
+            const float Hollow = Clamp01(0.5f + 0.9f * Field.Prominence(x, y, 5) + 0.5f * Field.Prominence(x, y, 18));
+            const float Band = NoiseFbmTiled(u * 2, v * 14, 2, 14, 3, 250);
+            const float Lichen = SmoothStep(0.18f, 0.42f, NoiseFbmTiled(u * 9, v * 9, 9, 9, 4, 260));
+            const float Grit = NoiseCell(x, y, 270) - 0.5f;
+            const float Bright = 0.20f + 0.34f * Hollow + 0.16f * Band + 0.05f * Grit;
+            Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), Bright * (1.02f + 0.16f * Band),
+                              Bright * (0.97f + 0.02f * Band) + 0.015f * Lichen,
+                              Bright * (0.95f - 0.10f * Band) - 0.035f * Lichen, Hollow);
+        }
+    }
+    return Picture.SavePng(File);
+}
+
+} // namespace
+
+bool MakeGround(const char* Name, const char* File) {
+    const bool Snow = std::strncmp(Name, "Snow", 4) == 0;
+    const CField Field(Snow ? SnowRelief : RockRelief);
+    if (std::strstr(Name, "Normal")) {
+        return SaveNormals(Field, Snow ? 5.5f : 7.0f, File);
+    }
+    return Snow ? SaveSnow(Field, File) : SaveRock(Field, File);
+}

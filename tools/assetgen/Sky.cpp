@@ -1,0 +1,286 @@
+// Sky pictures: all directions on one picture twice as wide as high. Column 0 looks along the sky's +X axis, a quarter
+// further on along +Y; row 0 is the nadir, the last row the zenith.
+//
+// The mountains round the horizon are a real landscape of noise, seen from above a sea of mist: each column walks
+// outwards over it, and what rises over everything before becomes pixels. So their faces catch the sun where the
+// level's sun stands, and far ranges pale behind near ones. Lengths in here are kilometres.
+//
+// Below the horizon the picture settles on the fog colour, into which the level's own ground fades: a level that uses a
+// sky takes its fog colour and its sun's direction from the parameters here.
+#include "Asset.h"
+#include "Noise.h"
+#include "Picture.h"
+#include "foundation/Vector.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace {
+
+constexpr INT32 WIDTH = 2048;
+constexpr INT32 HEIGHT = 1024;
+constexpr INT32 FINE = 2; // the mountains are drawn that many times larger, and then averaged
+constexpr float PI = 3.14159265f;
+
+struct SSkyParams {
+    const char* Name;
+    UINT32 Seed;
+    float SunAngle, SunPitch; // radians: round the zenith, and from it, as the level gives them
+    Vec3 Zenith, Middle, Horizon;
+    Vec3 Fog;
+    Vec3 Sun;     // light on snow and clouds
+    Vec3 Shade;   // light where the sun does not reach
+    float Clouds; // 0 to 1
+    float Peaks;  // height of the highest mountains over the eye
+};
+
+constexpr SSkyParams SKIES[] = {
+    {.Name = "Morning",
+     .Seed = 7,
+     .SunAngle = 3.6303f,
+     .SunPitch = 1.0821f,
+     .Zenith = {0.13f, 0.33f, 0.66f},
+     .Middle = {0.40f, 0.62f, 0.88f},
+     .Horizon = {0.78f, 0.87f, 0.95f},
+     .Fog = {0.78f, 0.85f, 0.93f},
+     .Sun = {1.0f, 0.92f, 0.78f},
+     .Shade = {0.42f, 0.53f, 0.74f},
+     .Clouds = 0.55f,
+     .Peaks = 2.5f},
+};
+
+Vec3 MixColour(const Vec3& A, const Vec3& B, float Part) {
+    return A + (B - A) * Part;
+}
+
+Vec3 Direction(float Angle, float Elevation) {
+    const float Level = std::cos(Elevation);
+    return {Level * std::cos(Angle), Level * std::sin(Angle), std::sin(Elevation)};
+}
+
+float Dot(const Vec3& A, const Vec3& B) {
+    return A.x * B.x + A.y * B.y + A.z * B.z;
+}
+
+// The light of the air in a direction: blue above, pale at the horizon, warm towards the sun.
+class CAir {
+public:
+    explicit CAir(const SSkyParams& Params)
+        : Params(Params), ToSun(Direction(Params.SunAngle, PI / 2 - Params.SunPitch)) {}
+
+    Vec3 At(const Vec3& Dir) const {
+        const float Up = std::max(Dir.z, 0.0f);
+        Vec3 Colour = MixColour(Params.Horizon, Params.Middle, SmoothStep(0.0f, 0.32f, Up));
+        Colour = MixColour(Colour, Params.Zenith, SmoothStep(0.18f, 0.95f, Up));
+        return WithGlow(Colour, Dir, 1.0f);
+    }
+
+    Vec3 WithGlow(const Vec3& Colour, const Vec3& Dir, float Strength) const {
+        const float Facing = std::max(Dot(Dir, ToSun), 0.0f);
+        const float Glow =
+            0.26f * std::pow(Facing, 5.0f) + 0.30f * std::pow(Facing, 40.0f) + 0.40f * std::pow(Facing, 600.0f);
+        const Vec3 Light = {Params.Sun.x * Glow, Params.Sun.y * Glow * 0.93f, Params.Sun.z * Glow * 0.82f};
+        return Colour + Light * Strength;
+    }
+
+    // Ice clouds combed by the wind, on a flat sheet high above; the part of the sky that they cover.
+    float Cirrus(const Vec3& Dir) const {
+        if (Dir.z <= 0.02f) {
+            return 0;
+        }
+        const float Sheet = 1.0f / (Dir.z + 0.10f);
+        const float x = Dir.x * Sheet;
+        const float y = Dir.y * Sheet;
+        const float Along = 0.8f * x + 0.6f * y;
+        const float Across = 0.8f * y - 0.6f * x;
+        const float Warp = NoiseFbm(x * 0.7f, y * 0.7f, 4, Params.Seed + 300);
+        const float Field = NoiseFbm(x * 0.45f, y * 0.45f, 3, Params.Seed + 310);
+        const float Hair = NoiseFbm(Along * 0.9f + 1.6f * Warp, Across * 3.4f + 1.9f * Warp, 6, Params.Seed + 320);
+        const float Cover = SmoothStep(-0.02f, 0.42f, 0.75f * Field + 0.55f * Hair + 0.30f * (Params.Clouds - 0.5f));
+        return Cover * SmoothStep(0.03f, 0.22f, Dir.z);
+    }
+
+    Vec3 WithClouds(const Vec3& Colour, const Vec3& Dir) const {
+        const float Cover = Cirrus(Dir) * Params.Clouds * 1.35f;
+        const Vec3 Lit = WithGlow({0.93f, 0.95f, 0.98f}, Dir, 0.5f);
+        return MixColour(Colour, Lit, std::min(Cover, 0.9f));
+    }
+
+    const SSkyParams& Params;
+    const Vec3 ToSun;
+};
+
+// The landscape round the viewer, who stands at the origin.
+class CRange {
+public:
+    explicit CRange(const CAir& Air) : Air(Air), Seed(Air.Params.Seed) {}
+
+    float Height(float x, float y, INT32 Octaves) const {
+        const float Massif = 0.62f + 0.75f * NoiseFbm(x * 0.045f, y * 0.045f, 2, Seed + 400);
+        const float Crest = NoiseRidged(x * 0.115f, y * 0.115f, Octaves, Seed + 410);
+        const float Far = SmoothStep(3.0f, 15.0f, std::sqrt(x * x + y * y));
+        const float Top = Air.Params.Peaks * (0.38f + 0.92f * Far);
+        return FLOOR + (Top - FLOOR) * Crest * (0.45f + 0.75f * Clamp01(Massif));
+    }
+
+    // Light from the ground at a place that lies Distance away.
+    Vec3 Colour(float x, float y, float z, float Distance) const {
+        constexpr float STEP = 0.05f;
+        const float dx = (Height(x + STEP, y, FULL_DETAIL) - z) / STEP;
+        const float dy = (Height(x, y + STEP, FULL_DETAIL) - z) / STEP;
+        const float Scale = 1.0f / std::sqrt(dx * dx + dy * dy + 1.0f);
+        const Vec3 Normal = {-dx * Scale, -dy * Scale, Scale};
+
+        const float Rough = NoiseFbm(x * 5.0f, y * 5.0f, 3, Seed + 420);
+        const float Steep = SmoothStep(0.80f, 0.58f, Normal.z + 0.16f * Rough);
+        const float Wood = SmoothStep(-0.20f, -0.62f, z + 0.35f * Rough) * SmoothStep(0.55f, 0.8f, Normal.z);
+        Vec3 Ground = MixColour({0.97f, 0.97f, 0.97f}, {0.33f, 0.32f, 0.33f}, Steep);
+        Ground = MixColour(Ground, {0.22f, 0.30f, 0.29f}, 0.85f * Wood);
+
+        const float Facing = Clamp01(Dot(Normal, Air.ToSun) * 1.5f);
+        const float Lit = Facing * Sunlit(x, y, z);
+        const Vec3& Sun = Air.Params.Sun;
+        const Vec3& Shade = Air.Params.Shade;
+        const Vec3 Light = {Shade.x + Sun.x * Lit * 0.75f, Shade.y + Sun.y * Lit * 0.68f,
+                            Shade.z + Sun.z * Lit * 0.52f};
+        return Hazed({Ground.x * Light.x, Ground.y * Light.y, Ground.z * Light.z}, x, y, z, Distance);
+    }
+
+private:
+    // 1 in the sun, 0 in the shadow of another mountain.
+    float Sunlit(float x, float y, float z) const {
+        float Light = 1;
+        float Way = 0.15f;
+        for (int i = 0; i < 7; ++i) {
+            const float Over =
+                z + Air.ToSun.z * Way - Height(x + Air.ToSun.x * Way, y + Air.ToSun.y * Way, COARSE_DETAIL);
+            Light = std::min(Light, Clamp01(0.5f + Over * 4.0f));
+            Way *= 1.6f;
+        }
+        return Light;
+    }
+
+    // Distance turns everything into air, and the mist in the valleys into fog.
+    Vec3 Hazed(const Vec3& Colour, float x, float y, float z, float Distance) const {
+        const Vec3 Dir = {x / Distance, y / Distance, z / Distance};
+        const Vec3 Blue = MixColour(Air.Params.Horizon, Air.Params.Middle, 0.55f);
+        const float Thick = 1.0f - std::exp(-Distance / 26.0f);
+        Vec3 Seen = MixColour(Colour, Air.WithGlow(Blue, Dir, 0.8f), Thick);
+        const float Wave = 0.22f * NoiseFbm(x * 0.25f, y * 0.25f, 3, Seed + 430);
+        const float Mist = SmoothStep(MIST_TOP + 0.55f, MIST_TOP - 0.25f, z + Wave);
+        return MixColour(Seen, Air.WithGlow(Air.Params.Fog, Dir, 0.35f), Mist);
+    }
+
+    static constexpr float FLOOR = -1.5f;
+    static constexpr float MIST_TOP = -0.45f;
+    static constexpr INT32 FULL_DETAIL = 8;
+    static constexpr INT32 COARSE_DETAIL = 4;
+
+    const CAir& Air;
+    const UINT32 Seed;
+};
+
+// One column of the mountains, finer than the picture: colours from the lowest elevation up to the highest crest.
+class CColumn {
+public:
+    static constexpr float LOWEST = -0.30f; // radians; below there is only fog
+    static constexpr float HIGHEST = 0.35f;
+    static constexpr INT32 ROWS = static_cast<INT32>((HIGHEST - LOWEST) / PI * HEIGHT * FINE);
+
+    void Draw(const CRange& Range, float Angle) {
+        Top = 0;
+        const float Cos = std::cos(Angle);
+        const float Sin = std::sin(Angle);
+        for (float Distance = 2.2f; Distance < 46.0f; Distance *= 1.0065f) {
+            const float x = Distance * Cos;
+            const float y = Distance * Sin;
+            const float z = Range.Height(x, y, 8);
+            const float Row = (std::atan2(z, Distance) - LOWEST) / PI * HEIGHT * FINE;
+            if (Row > static_cast<float>(Top)) {
+                Fill(static_cast<INT32>(std::ceil(Row)), Range.Colour(x, y, z, Distance));
+            }
+        }
+    }
+
+    void Fill(INT32 To, const Vec3& Colour) {
+        To = std::min(To, ROWS);
+        const Vec3 From = Top > 0 ? Colours[Top - 1] : Colour;
+        const INT32 First = Top;
+        for (; Top < To; ++Top) {
+            Colours[Top] =
+                MixColour(From, Colour, static_cast<float>(Top - First + 1) / static_cast<float>(To - First));
+        }
+    }
+
+    Vec3 Colours[ROWS];
+    INT32 Top = 0; // rows filled
+};
+
+class CSkyPicture {
+public:
+    explicit CSkyPicture(const SSkyParams& Params) : Air(Params), Range(Air), Picture(WIDTH, HEIGHT, 3) {}
+
+    bool Make(const char* File) {
+        for (INT32 x = 0; x < WIDTH; ++x) {
+            for (INT32 i = 0; i < FINE; ++i) {
+                const float Column = static_cast<float>(x) + (static_cast<float>(i) + 0.5f) / FINE;
+                Columns[i].Draw(Range, Column / WIDTH * 2 * PI);
+            }
+            for (INT32 y = 0; y < HEIGHT; ++y) {
+                const Vec3 Colour = Pixel(x, y);
+                Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), Soft(Colour.x), Soft(Colour.y),
+                                  Soft(Colour.z));
+            }
+        }
+        return Picture.SavePng(File);
+    }
+
+private:
+    Vec3 Pixel(INT32 x, INT32 y) const {
+        const float Elevation = (static_cast<float>(y) + 0.5f) / HEIGHT * PI - PI / 2;
+        const Vec3 Dir = Direction((static_cast<float>(x) + 0.5f) / WIDTH * 2 * PI, Elevation);
+        const Vec3 Behind = Dir.z > 0 ? Air.WithClouds(Air.At(Dir), Dir) : Air.At(Dir);
+        Vec3 Sum;
+        for (INT32 i = 0; i < FINE * FINE; ++i) {
+            Sum += Sample(Columns[i / FINE], Elevation, i % FINE, Behind);
+        }
+        Sum *= 1.0f / (FINE * FINE);
+        // The mist lies over the feet of the mountains, and far below the horizon there is nothing else.
+        const float Mist = SmoothStep(-0.055f, -0.165f, Elevation);
+        const Vec3 Fog = Air.WithGlow(Air.Params.Fog, Dir, 0.35f * SmoothStep(-0.25f, -0.1f, Elevation));
+        return MixColour(Sum, Fog, Mist);
+    }
+
+    static Vec3 Sample(const CColumn& Column, float Elevation, INT32 Part, const Vec3& Behind) {
+        const float Fine = Elevation + (static_cast<float>(Part) + 0.5f - FINE * 0.5f) / (HEIGHT * FINE) * PI;
+        const INT32 Row = static_cast<INT32>(std::floor((Fine - CColumn::LOWEST) / PI * HEIGHT * FINE));
+        if (Row < 0 || Column.Top == 0) {
+            return Row < 0 && Column.Top > 0 ? Column.Colours[0] : Behind;
+        }
+        return Row < Column.Top ? Column.Colours[Row] : Behind;
+    }
+
+    // Bends the bright end, so that the glow round the sun does not end in a flat patch.
+    static float Soft(float Value) {
+        constexpr float KNEE = 0.85f;
+        return Value <= KNEE ? Value : KNEE + (1 - KNEE) * (1.0f - std::exp((KNEE - Value) / (1 - KNEE)));
+    }
+
+    const CAir Air;
+    const CRange Range;
+    CColumn Columns[FINE];
+    CPicture Picture;
+};
+
+} // namespace
+
+bool MakeSky(const char* Name, const char* File) {
+    for (const SSkyParams& Params : SKIES) {
+        if (std::strcmp(Params.Name, Name) == 0) {
+            CSkyPicture Sky(Params);
+            return Sky.Make(File);
+        }
+    }
+    return false;
+}

@@ -1,0 +1,206 @@
+// Height pictures of the slopes: 257 by 257 grey samples, row 0 at the lower end of the ride.
+//
+// Heights are 8 bits, and a gentle slope rounded to whole levels turns into stairs. So the ride never comes from
+// rounding: its rows climb by whole levels, one a row on even ground, none or two in the rollers, and across it is
+// exactly level. Its banks begin with one level a sample. Only the flanks, where the ground is steep anyway, are
+// rounded from a formula.
+#include "Asset.h"
+#include "Noise.h"
+#include "Picture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace {
+
+constexpr INT32 SAMPLES = 257; // a side; the engine wants 2^k + 1
+constexpr INT32 TOP_LEVEL = 255;
+
+struct SSlopeParams {
+    const char* Name;
+    UINT32 Seed;
+    float RiseRate;    // mean levels a row of the ride
+    INT32 StartRow;    // the ride begins here; behind it the head wall rises
+    float HalfWidth;   // of the ride, in samples
+    float Meander;     // reach of the ride's bends to either side, in samples
+    float Turns;       // bends over the whole length
+    float CrestHeight; // of the flanks over the ride, in levels
+    float Cliffs;      // 0 to 1: how much of the flanks is broken into cliffs and ledges
+    INT32 Knobs;       // rocks beside the ride
+};
+
+constexpr SSlopeParams SLOPES[] = {
+    {.Name = "Slope1",
+     .Seed = 11,
+     .RiseRate = 0.78f,
+     .StartRow = 246,
+     .HalfWidth = 17,
+     .Meander = 20,
+     .Turns = 2.6f,
+     .CrestHeight = 88,
+     .Cliffs = 0.8f,
+     .Knobs = 46},
+};
+
+// A stretch of the ride that is not even, as levels to climb in each of its rows.
+struct SRoller {
+    INT32 Rows;
+    INT32 Steps[8];
+};
+
+// Two that keep the mean and two that lie flat, for a ride whose mean is below one level a row.
+constexpr SRoller FULL_ROLLERS[] = {{4, {0, 0, 2, 2}}, {6, {0, 1, 0, 2, 1, 2}}};
+constexpr SRoller FLAT_ROLLERS[] = {{4, {0, 0, 0, 0}}, {7, {0, 0, 0, 0, 0, 1, 2}}};
+
+constexpr float KNOB_RADIUS = 3.0f;   // samples across the slope
+constexpr float SAMPLE_ASPECT = 2.5f; // a row is that many times as long as a column is wide
+
+struct SKnob {
+    float Column, Row, Radius, Height;
+};
+
+class CSlope {
+public:
+    explicit CSlope(const SSlopeParams& Params) : Params(Params) {
+        LayRide();
+        PlaceKnobs();
+    }
+
+    INT32 Level(INT32 Column, INT32 Row) const {
+        const float Beside = Offset(Column, Row);
+        float Rise = 0;
+        if (Beside > 0) {
+            Rise = Flank(Column, Row, Beside);
+        }
+        const INT32 Room = TOP_LEVEL - Ride[Row];
+        return Ride[Row] + std::clamp(static_cast<INT32>(std::lround(Rise)), -Ride[Row], Room);
+    }
+
+private:
+    void LayRide() {
+        INT32 Row = 0;
+        Ride[0] = FIRST_LEVEL;
+        for (UINT32 Stretch = 0; Row < SAMPLES - 1; ++Stretch) {
+            const INT32 Even = 6 + static_cast<INT32>(NoiseHash(1, static_cast<INT32>(Stretch), Params.Seed) % 8);
+            for (INT32 i = 0; i < Even; ++i) {
+                Climb(Row, 1);
+            }
+            const UINT32 Choice = NoiseHash(2, static_cast<INT32>(Stretch), Params.Seed) % 2;
+            const float Wanted = FIRST_LEVEL + Params.RiseRate * static_cast<float>(Row);
+            const SRoller& Roller =
+                static_cast<float>(Ride[Row]) > Wanted ? FLAT_ROLLERS[Choice] : FULL_ROLLERS[Choice];
+            for (INT32 i = 0; i < Roller.Rows; ++i) {
+                Climb(Row, Roller.Steps[i]);
+            }
+        }
+    }
+
+    void Climb(INT32& Row, INT32 Levels) {
+        if (Row >= SAMPLES - 1) {
+            return;
+        }
+        if (Row >= Params.StartRow) {
+            Levels = 2;
+        }
+        Ride[Row + 1] = std::min(Ride[Row] + Levels, TOP_LEVEL);
+        ++Row;
+    }
+
+    float Centre(float Row) const {
+        const float Way = Row / (SAMPLES - 1) * Params.Turns * 6.2831853f;
+        return (SAMPLES - 1) * 0.5f + Params.Meander * (0.75f * std::sin(Way + 0.6f) + 0.25f * std::sin(Way * 2.3f));
+    }
+
+    // Samples from the edge of the ride outwards; negative on it.
+    float Offset(INT32 Column, INT32 Row) const {
+        const float y = static_cast<float>(Row);
+        const float Width = Params.HalfWidth * (1.0f + 0.35f * NoiseGradient(y * 0.035f, 0.5f, Params.Seed + 3));
+        return std::fabs(static_cast<float>(Column) - Centre(y)) - Width;
+    }
+
+    // Height over the ride in levels, Beside samples away from its edge.
+    float Flank(INT32 Column, INT32 Row, float Beside) const {
+        const float x = static_cast<float>(Column);
+        const float y = static_cast<float>(Row) * SAMPLE_ASPECT;
+        const float Away = SmoothStep(3.0f, 22.0f, Beside);
+
+        // Ravines and spurs: the distance itself is bent, and the more the farther.
+        const float Bend = NoiseFbm(x * 0.028f, y * 0.028f, 3, Params.Seed + 10);
+        const float Out = std::max(0.0f, Beside + Away * (14.0f * Bend));
+        const float Side = x < Centre(static_cast<float>(Row)) ? 0.0f : 40.0f;
+        const float Wave = NoiseFbm(y * 0.012f, Side, 2, Params.Seed + 20);
+        const float Crest =
+            std::min(Params.CrestHeight * (1.0f + 0.9f * Wave), static_cast<float>(TOP_LEVEL - 6 - Ride[Row]));
+
+        const float Bank = Out + 0.021f * Out * Out;
+        float Rise = Crest * Ridge(Bank / Crest);
+        Rise += Away * 13.0f * (NoiseRidged(x * 0.021f, y * 0.021f, 4, Params.Seed + 30) - 0.45f);
+        Rise = Broken(Rise, x, y, Away);
+        return std::max(Rise, std::min(Out, 3.0f)) + Knob(x, static_cast<float>(Row));
+    }
+
+    // Up to 1 at 1, and down again on the far side, where nobody rides but the world must end somewhere.
+    static float Ridge(float Part) { return Part < 1 ? Part : std::max(0.0f, 1.0f - 0.55f * (Part - 1)); }
+
+    // Cuts the flank into cliffs and ledges where the rock is hard.
+    float Broken(float Rise, float x, float y, float Away) const {
+        constexpr float BAND = 17.0f; // levels from cliff to cliff
+        const float Hard = SmoothStep(0.02f, 0.28f, NoiseFbm(x * 0.03f, y * 0.02f, 3, Params.Seed + 40));
+        const float Shifted = Rise / BAND + 1.3f * NoiseFbm(x * 0.02f, y * 0.02f, 2, Params.Seed + 50);
+        const float Whole = std::floor(Shifted);
+        const float Part = Shifted - Whole;
+        const float Cut = (SmoothStep(0.30f, 0.62f, Part) - Part) * BAND;
+        return Rise + Cut * Hard * Away * Params.Cliffs;
+    }
+
+    void PlaceKnobs() {
+        for (INT32 i = 0; i < Params.Knobs; ++i) {
+            SKnob New;
+            New.Row = 4.0f + NoiseCell(i, 1, Params.Seed + 60) * (SAMPLES - 8);
+            const float Side = (NoiseHash(i, 2, Params.Seed + 60) & 1) ? 1.0f : -1.0f;
+            const float Away = Params.HalfWidth * 1.3f + 5.0f + 26.0f * NoiseCell(i, 3, Params.Seed + 60);
+            New.Column = Centre(New.Row) + Side * Away;
+            New.Radius = KNOB_RADIUS * (0.8f + 0.9f * NoiseCell(i, 4, Params.Seed + 60));
+            New.Height = New.Radius * (3.0f + 3.5f * NoiseCell(i, 5, Params.Seed + 60));
+            Knobs.Add(New);
+        }
+    }
+
+    float Knob(float Column, float Row) const {
+        float Highest = 0;
+        for (const SKnob& One : Knobs) {
+            const float dx = Column - One.Column;
+            const float dy = (Row - One.Row) * SAMPLE_ASPECT;
+            const float Far = std::sqrt(dx * dx + dy * dy) / One.Radius;
+            const float Edge = 1.0f + 0.5f * NoiseGradient(Column * 0.35f, Row * 0.8f, Params.Seed + 70);
+            Highest = std::max(Highest, One.Height * (1.0f - SmoothStep(0.35f, 1.25f, Far * Edge)));
+        }
+        return Highest;
+    }
+
+    static constexpr INT32 FIRST_LEVEL = 5;
+
+    const SSlopeParams& Params;
+    INT32 Ride[SAMPLES] = {}; // level of the ride in each row
+    GArray<SKnob> Knobs;
+};
+
+} // namespace
+
+bool MakeSlope(const char* Name, const char* File) {
+    for (const SSlopeParams& Params : SLOPES) {
+        if (std::strcmp(Params.Name, Name) == 0) {
+            const CSlope Slope(Params);
+            CPicture Picture(SAMPLES, SAMPLES, 1);
+            for (INT32 Row = 0; Row < SAMPLES; ++Row) {
+                for (INT32 Column = 0; Column < SAMPLES; ++Column) {
+                    Picture.SetGrey(static_cast<UINT32>(Column), static_cast<UINT32>(Row),
+                                    static_cast<UINT8>(Slope.Level(Column, Row)));
+                }
+            }
+            return Picture.SavePng(File);
+        }
+    }
+    return false;
+}
