@@ -3,8 +3,8 @@
 #include <GL/glew.h>
 
 #include "foundation/Diagnostics.h"
+#include "foundation/GCheck.h"
 #include "foundation/Screen.h"
-#include "platform/Platform.h"
 
 GStack<GameRT*> GLastFBOs;
 
@@ -46,8 +46,7 @@ void DeleteTexture(UINT32& Id) {
 
 void GameRT::Create(INT32 NewWidth, INT32 NewHeight, bool DepthRequired, bool DepthAsTexture, INT32 DepthFormat,
                     bool ColorRequired, bool Mips) {
-    if (!ColorRequired && !DepthRequired)
-        PlatAssertFailed("FB || Depth", "GameRT", __LINE__);
+    GCHECK_IN("GameRT", ColorRequired || DepthRequired, "FB || Depth");
     Free();
     Width = NewWidth;
     Height = NewHeight;
@@ -113,8 +112,7 @@ void GameRT::Bind() {
 }
 
 void GameRT::Unbind() {
-    if (GLastFBOs.Empty() || GLastFBOs.Top() != this)
-        PlatAssertFailed("GLastFBOs.Top() == this", "GameRT", __LINE__);
+    GCHECK_IN("GameRT", !GLastFBOs.Empty() && GLastFBOs.Top() == this, "GLastFBOs.Top() == this");
     GLastFBOs.Pop();
     if (!GLastFBOs.Empty()) {
         GLastFBOs.Top()->MakeCurrent();

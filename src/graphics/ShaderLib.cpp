@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "foundation/Diagnostics.h"
+#include "foundation/GCheck.h"
 #include "foundation/Scan.h"
-#include "platform/Platform.h"
 
 SShaderLib* GShaderLib = nullptr;
 
@@ -31,8 +31,7 @@ GString ShaderPath(const GString& Name, const char* Extension) {
 }
 
 GString DefineLine(const char* Macro) {
-    if (std::strlen(Macro) > SHADER_MACRO_MAX)
-        PlatAssertFailed("strlen(Macro) <= SHADER_MACRO_MAX", "GameShader", __LINE__);
+    GCHECK_IN("GameShader", std::strlen(Macro) <= SHADER_MACRO_MAX, "strlen(Macro) <= SHADER_MACRO_MAX");
     GString Line("#define ");
     Line += Macro;
     Line += "\n";
@@ -41,10 +40,12 @@ GString DefineLine(const char* Macro) {
 
 void SetSource(UINT32 Shader, UINT32 Type, const GArray<const char*>& Macros, const GString& Text) {
     GArray<GString> Lines;
+    Lines.Reserve(Macros.Size());
     for (const char* Macro : Macros)
         Lines.Add(DefineLine(Macro));
     // The addresses are taken when the lines no longer move.
     GArray<const char*> Strings;
+    Strings.Reserve(Macros.Size() + 2);
     for (const GString& Line : Lines)
         Strings.Add(Line.CStr());
     Strings.Add(Type == GL_VERTEX_SHADER ? VERTEX_PREFIX : "");
@@ -69,7 +70,7 @@ void StopWithLog(UINT32 Object, decltype(glGetShaderiv) Get, decltype(glGetShade
 // 0 if there is no such file.
 UINT32 ShaderCompile(UINT32 Type, const GString& Path, const GArray<const char*>& Macros) {
     GString Text;
-    if (!F_ReadTextFile(Path.CStr(), Text))
+    if (!F_ReadTextFile(Path, Text))
         return 0;
     const UINT32 Shader = glCreateShader(Type);
     SetSource(Shader, Type, Macros, Text);

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "foundation/GCheck.h"
 #include "graphics/ShaderLib.h"
-#include "platform/Platform.h"
 
 const char* GCurLight = LIGHT_AMBDIR;
 Vec3 GFogColor = {0.2f, 0.3f, 0.4f};
@@ -28,8 +28,7 @@ constexpr INT32 TERRAIN_SHADOW_UNIT = 7;
 constexpr INT32 TERRAIN_PROJ_UNIT = 6;
 
 void CheckValue(const float* v) {
-    if (!v)
-        PlatAssertFailed("v", "GameShader", __LINE__);
+    GCHECK_IN("GameShader", v != nullptr, "v");
 }
 
 // Stores the new value; false if it is what the slot already holds. Numbers are compared, not bytes.

@@ -68,6 +68,6 @@ private:
 };
 
 // What exit(0xBADDC0DE) comes out as.
-constexpr int FATAL_EXIT_CODE = 0xDE;
+constexpr int FATAL_EXIT_STATUS = 222;
 
-#define EXPECT_FATAL(Statement, Text) EXPECT_EXIT(Statement, ::testing::ExitedWithCode(FATAL_EXIT_CODE), Text)
+#define EXPECT_FATAL(Statement, Text) EXPECT_EXIT(Statement, ::testing::ExitedWithCode(FATAL_EXIT_STATUS), Text)
