@@ -92,7 +92,7 @@ void EnterCells(SSpatialGrid& Grid, SSpatialClient* c) {
 
 } // namespace
 
-void SSpatialGrid::Init(const ::BBox& NewBox, const Vec3& NewCellCounts) {
+void SSpatialGrid::Init(const BBox& NewBox, const Vec3& NewCellCounts) {
     Free();
     Box = NewBox;
     CellCounts = NewCellCounts;

@@ -23,35 +23,11 @@ struct SKeepLights {
     static UINT64& Stamp(Client& Seen) { return Seen.RenderStamp; }
 };
 
-bool IsOutside(const Plane& Side, const Vec3& Point) {
-    return M_Dot(Side.Normal, Point) - Side.D > 0;
-}
-
-// The corner of the box that lies deepest on the inner side of the plane, and the one opposite.
-Vec3 InnerCorner(const BBox& Box, const Vec3& Normal) {
-    return {Normal.x >= 0 ? Box.Min.x : Box.Max.x, Normal.y >= 0 ? Box.Min.y : Box.Max.y,
-            Normal.z >= 0 ? Box.Min.z : Box.Max.z};
-}
-
-Vec3 OuterCorner(const BBox& Box, const Vec3& Normal) {
-    return {Normal.x >= 0 ? Box.Max.x : Box.Min.x, Normal.y >= 0 ? Box.Max.y : Box.Min.y,
-            Normal.z >= 0 ? Box.Max.z : Box.Min.z};
-}
-
-bool Rejected(const BBox& Box, const Plane* Planes, UINT32 PlaneCount) {
-    for (UINT32 At = 0; At < PlaneCount; ++At) {
-        if (IsOutside(Planes[At], InnerCorner(Box, Planes[At].Normal))) {
-            return true;
-        }
-    }
-    return false;
-}
-
 // Copies the planes that cross the box to Crossing and returns how many; the box is not rejected by any.
 UINT32 CrossingPlanes(const BBox& Box, const Plane* Planes, UINT32 PlaneCount, Plane* Crossing) {
     UINT32 Count = 0;
     for (UINT32 At = 0; At < PlaneCount; ++At) {
-        if (M_Dot(Planes[At].Normal, OuterCorner(Box, Planes[At].Normal)) - Planes[At].D >= 0) {
+        if (M_PlaneDistance(Planes[At], M_BBoxFarCorner(Box, Planes[At].Normal)) >= 0) {
             Crossing[Count++] = Planes[At];
         }
     }
@@ -71,7 +47,7 @@ void GatherList(const SSpatialNode& Node, GArray<typename KEEP::Client*>& Out, c
             continue;
         }
         KEEP::Stamp(*Found) = GSpatialStamp;
-        if (!Rejected(Found->BBox, Planes, PlaneCount)) {
+        if (!M_BBoxOutsidePlanes(Found->BBox, Planes, static_cast<int>(PlaneCount))) {
             Out.Add(Found);
         }
     }
@@ -84,7 +60,7 @@ void QueryNode(const SSpatialNode& Node, GArray<typename KEEP::Client*>& Out, co
         return;
     }
     for (const SSpatialNode* Child : Node.Children) {
-        if (Child->Clients.count == 0 || Rejected(Child->Box, Planes, PlaneCount)) {
+        if (Child->Clients.count == 0 || M_BBoxOutsidePlanes(Child->Box, Planes, static_cast<int>(PlaneCount))) {
             continue;
         }
         Plane Crossing[MAX_QUERY_PLANES];

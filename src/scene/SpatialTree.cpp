@@ -10,12 +10,6 @@ float Volume(const BBox& Box) {
     return Extent.x * Extent.y * Extent.z;
 }
 
-// Touching counts.
-bool Overlap(const BBox& A, const BBox& B) {
-    return !(A.Max.x < B.Min.x || B.Max.x < A.Min.x || A.Max.y < B.Min.y || B.Max.y < A.Min.y || A.Max.z < B.Min.z ||
-             B.Max.z < A.Min.z);
-}
-
 BBox Clip(const BBox& A, const BBox& B) {
     BBox Common;
     for (int Axis = 0; Axis < 3; ++Axis) {
@@ -65,12 +59,12 @@ SSpatialNode::~SSpatialNode() {
 }
 
 void InsertIntoTree(SSpatialNode* Node, const BBox& Piece, const BBox& Whole, GArray<SClientOccupation>& List) {
-    if (!Overlap(Piece, Node->Box)) {
+    if (!M_BBoxOverlap(Piece, Node->Box)) {
         return;
     }
     if (!StopsHere(*Node, Piece, Whole)) {
         for (SSpatialNode* Child : Node->Children) {
-            if (Overlap(Piece, Child->Box)) {
+            if (M_BBoxOverlap(Piece, Child->Box)) {
                 InsertIntoTree(Child, Clip(Piece, Child->Box), Whole, List);
             }
         }
