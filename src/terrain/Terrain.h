@@ -134,8 +134,11 @@ struct STerrain {
     void BuildLeaves();
     void BuildTree();
     void BuildIndices(GArray<UINT32>& Out);
-    void FillVertices(SVertex20* Out) const; // Width * Height
-    void FillNormals(UINT32* Out) const;     // (Width - 1) * (Height - 1), packed RGBA
+    // Width * Height vertices, in unit space.
+    void FillVertices(SVertex20* Out) const;
+    // (Width - 1) * (Height - 1) packed colours. Also in unit space, with heights from 0 to 1 over a square of 2 by 2:
+    // the shader has Extents to correct the normals with.
+    void FillNormals(UINT32* Out) const;
 
 private:
     bool HoldsDetails = false; // a reference to each detail texture, also to those with id 0
@@ -144,5 +147,6 @@ private:
     bool LoadHeights(const GString& Picture);
     void LoadDetails(const STerrainFile& File);
     void MakeBuffers();
+    void UploadVertices();
     void FreeTree();
 };

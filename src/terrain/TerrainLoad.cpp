@@ -1,6 +1,5 @@
 #include <GL/glew.h>
 #include <IL/il.h>
-#include <cmath>
 
 #include "foundation/Diagnostics.h"
 #include "foundation/Scan.h"
@@ -16,7 +15,7 @@ namespace {
 constexpr UINT32 LEAVES_PER_SIDE_LOG2 = 4;
 
 constexpr UINT32 RGBA_BYTES = 4;
-constexpr float MAX_CHANNEL = 255.0f;
+constexpr UINT32 CHANNEL_VALUES = 256;
 
 struct SPixels {
     INT32 Width = 0;
@@ -49,6 +48,21 @@ UINT32 UsableSide(UINT32 Width, UINT32 Height) {
     return Side;
 }
 
+// The red channel of the first Side columns and rows as fractions.
+void CopyHeights(const SPixels& Pixels, UINT32 Side, float* Out) {
+    float Fractions[CHANNEL_VALUES];
+    for (UINT32 i = 0; i < CHANNEL_VALUES; i++) {
+        Fractions[i] = static_cast<float>(i) / (CHANNEL_VALUES - 1);
+    }
+    const std::size_t RowBytes = static_cast<std::size_t>(Pixels.Width) * RGBA_BYTES;
+    for (UINT32 y = 0; y < Side; y++) {
+        const UINT8* Row = Pixels.Rgba + y * RowBytes;
+        for (UINT32 x = 0; x < Side; x++) {
+            *Out++ = Fractions[Row[x * RGBA_BYTES]];
+        }
+    }
+}
+
 } // namespace
 
 bool STerrain::HasUsableExtents() const {
@@ -76,12 +90,7 @@ bool STerrain::LoadHeights(const GString& Picture) {
     }
     Width = Height = Side;
     Heights = new float[Width * Height];
-    for (UINT32 y = 0; y < Height; y++) {
-        const UINT8* Row = Pixels.Rgba + static_cast<std::size_t>(y) * PictureWidth * RGBA_BYTES;
-        for (UINT32 x = 0; x < Width; x++) {
-            Heights[y * Width + x] = static_cast<float>(Row[x * RGBA_BYTES]) / MAX_CHANNEL;
-        }
-    }
+    CopyHeights(Pixels, Side, Heights);
     return true;
 }
 

@@ -33,6 +33,24 @@ UINT32 FindLeaf(const STerrain& Terrain, const BBox& Box) {
     return Row * (Terrain.Width - 1) / Terrain.MinPartSize + Column;
 }
 
+// Around all points of the leaf that begins at (x, y). Its corners bound it in X and Y, its heights in Z.
+BBox LeafBox(const STerrain& Terrain, UINT32 x, UINT32 y) {
+    const UINT32 Part = Terrain.MinPartSize;
+    float MinHeight = Terrain.Heights[y * Terrain.Width + x];
+    float MaxHeight = MinHeight;
+    for (UINT32 j = 0; j <= Part; j++) {
+        const float* Row = Terrain.Heights + (y + j) * Terrain.Width + x;
+        for (UINT32 i = 0; i <= Part; i++) {
+            MinHeight = Low(MinHeight, Row[i]);
+            MaxHeight = High(MaxHeight, Row[i]);
+        }
+    }
+    BBox Box = {Terrain.GetPoint(x, y), Terrain.GetPoint(x + Part, y + Part)};
+    Box.Min.z = MinHeight * Terrain.Extents.z + Terrain.Position.z;
+    Box.Max.z = MaxHeight * Terrain.Extents.z + Terrain.Position.z;
+    return Box;
+}
+
 BBox Quarter(const BBox& Box, bool HighX, bool HighY) {
     const Vec3 Centre = (Box.Min + Box.Max) * 0.5f;
     BBox Out = Box;
@@ -121,15 +139,7 @@ void STerrain::BuildLeaves() {
     }
     Leaves = new STerrainLeaf[Columns * Rows];
     for (UINT32 i = 0; i < Columns * Rows; i++) {
-        const UINT32 FirstX = i % Columns * MinPartSize;
-        const UINT32 FirstY = i / Columns * MinPartSize;
-        BBox& Box = Leaves[i].Box;
-        Box.Min = Box.Max = GetPoint(FirstX, FirstY);
-        for (UINT32 y = FirstY; y <= FirstY + MinPartSize; y++) {
-            for (UINT32 x = FirstX; x <= FirstX + MinPartSize; x++) {
-                M_BBoxAddPoint(GetPoint(x, y), Box);
-            }
-        }
+        Leaves[i].Box = LeafBox(*this, i % Columns * MinPartSize, i / Columns * MinPartSize);
     }
 }
 
