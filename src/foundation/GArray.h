@@ -159,10 +159,11 @@ void GArray<T>::Reserve(UINT32 Wanted) {
 template <class T>
 void GArray<T>::InsertGrowing(UINT32 At, const T& Value) {
     const UINT32 NewCapacity = Data ? Capacity * 2 : 1;
+    const UINT32 Tail = count - At;
     T* Buffer = Allocate(NewCapacity);
     ::new (static_cast<void*>(Buffer + At)) T(Value);
     std::uninitialized_copy_n(Data, At, Buffer);
-    std::uninitialized_copy_n(Data + At, count - At, Buffer + At + 1);
+    std::uninitialized_copy_n(Data + At, Tail, Buffer + At + 1);
     ReplaceBuffer(Buffer, NewCapacity);
     ++count;
 }
