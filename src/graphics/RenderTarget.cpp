@@ -37,8 +37,9 @@ void SetColorBuffer(UINT32 Buffer) {
 }
 
 void DeleteTexture(UINT32& Id) {
-    if (Id)
+    if (Id) {
         glDeleteTextures(1, &Id);
+    }
     Id = 0;
 }
 
@@ -50,19 +51,23 @@ void GameRT::Create(INT32 NewWidth, INT32 NewHeight, bool DepthRequired, bool De
     Free();
     Width = NewWidth;
     Height = NewHeight;
-    if (ColorRequired)
+    if (ColorRequired) {
         MakeColor(Mips);
-    if (DepthRequired)
+    }
+    if (DepthRequired) {
         MakeDepth(DepthAsTexture, DepthFormat);
+    }
     Attach();
 
     const UINT32 Status = glCheckFramebufferStatus(GL_FRAMEBUFFER);
-    if (Status != GL_FRAMEBUFFER_COMPLETE)
+    if (Status != GL_FRAMEBUFFER_COMPLETE) {
         FatalError(REFUSED, Status, Width, Height, COLOR_FORMAT, DepthRequired, DepthAsTexture, DepthFormat,
                    ColorRequired, Mips);
+    }
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
-    if (!ColorTex)
+    if (!ColorTex) {
         SetColorBuffer(GL_BACK);
+    }
 }
 
 void GameRT::MakeColor(bool Mips) {
@@ -89,21 +94,25 @@ void GameRT::MakeDepth(bool AsTexture, INT32 DepthFormat) {
 void GameRT::Attach() {
     glGenFramebuffers(1, &FBO);
     glBindFramebuffer(GL_FRAMEBUFFER, FBO);
-    if (ColorTex)
+    if (ColorTex) {
         glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, ColorTex, 0);
-    else
+    } else {
         SetColorBuffer(GL_NONE);
-    if (DepthTex)
+    }
+    if (DepthTex) {
         glFramebufferTexture2D(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_TEXTURE_2D, DepthTex, 0);
-    if (DepthRB)
+    }
+    if (DepthRB) {
         glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, DepthRB);
+    }
 }
 
 void GameRT::MakeCurrent() {
     glBindFramebuffer(GL_FRAMEBUFFER, FBO);
     glViewport(0, 0, Width, Height);
-    if (!ColorTex)
+    if (!ColorTex) {
         SetColorBuffer(GL_NONE);
+    }
 }
 
 void GameRT::Bind() {
@@ -127,11 +136,12 @@ void GameRT::LeaveStack() {
         Unbind();
         return;
     }
-    for (auto* Node = GLastFBOs.first; Node; Node = Node->next)
+    for (auto* Node = GLastFBOs.first; Node; Node = Node->next) {
         if (Node->obj == this) {
             GLastFBOs.Unlink(Node);
             return;
         }
+    }
 }
 
 void GameRT::Free() {
@@ -140,8 +150,9 @@ void GameRT::Free() {
         glDeleteFramebuffers(1, &FBO);
         FBO = 0;
     }
-    if (DepthRB)
+    if (DepthRB) {
         glDeleteRenderbuffers(1, &DepthRB);
+    }
     DepthRB = 0;
     DeleteTexture(DepthTex);
     DeleteTexture(ColorTex);

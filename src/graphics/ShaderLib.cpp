@@ -18,8 +18,9 @@ constexpr const char* VERTEX_PREFIX =
 
 GString MakeKey(const GString& Name, const GArray<const char*>& Macros) {
     GString Key(Name);
-    for (const char* Macro : Macros)
+    for (const char* Macro : Macros) {
         Key += Macro;
+    }
     return Key;
 }
 
@@ -41,13 +42,15 @@ GString DefineLine(const char* Macro) {
 void SetSource(UINT32 Shader, UINT32 Type, const GArray<const char*>& Macros, const GString& Text) {
     GArray<GString> Lines;
     Lines.Reserve(Macros.Size());
-    for (const char* Macro : Macros)
+    for (const char* Macro : Macros) {
         Lines.Add(DefineLine(Macro));
+    }
     // The addresses are taken when the lines no longer move.
     GArray<const char*> Strings;
     Strings.Reserve(Macros.Size() + 2);
-    for (const GString& Line : Lines)
+    for (const GString& Line : Lines) {
         Strings.Add(Line.CStr());
+    }
     Strings.Add(Type == GL_VERTEX_SHADER ? VERTEX_PREFIX : "");
     Strings.Add(Text.CStr());
     glShaderSource(Shader, static_cast<GLsizei>(Strings.Size()), Strings.Data, nullptr);
@@ -57,8 +60,9 @@ void SetSource(UINT32 Shader, UINT32 Type, const GArray<const char*>& Macros, co
 void StopWithLog(UINT32 Object, decltype(glGetShaderiv) Get, decltype(glGetShaderInfoLog) GetLog, const char* Message) {
     INT32 Length = 0;
     Get(Object, GL_INFO_LOG_LENGTH, &Length);
-    if (Length <= 0)
+    if (Length <= 0) {
         return;
+    }
     GArray<char> Log;
     Log.Resize(static_cast<UINT32>(Length) + 1);
     Log[0] = 0;
@@ -70,15 +74,17 @@ void StopWithLog(UINT32 Object, decltype(glGetShaderiv) Get, decltype(glGetShade
 // 0 if there is no such file.
 UINT32 ShaderCompile(UINT32 Type, const GString& Path, const GArray<const char*>& Macros) {
     GString Text;
-    if (!F_ReadTextFile(Path, Text))
+    if (!F_ReadTextFile(Path, Text)) {
         return 0;
+    }
     const UINT32 Shader = glCreateShader(Type);
     SetSource(Shader, Type, Macros, Text);
     glCompileShader(Shader);
     INT32 Compiled = 0;
     glGetShaderiv(Shader, GL_COMPILE_STATUS, &Compiled);
-    if (!Compiled)
+    if (!Compiled) {
         StopWithLog(Shader, glGetShaderiv, glGetShaderInfoLog, "-SHADER COMPILE ERROR-\n%s\n");
+    }
     return Shader;
 }
 
@@ -94,28 +100,34 @@ UINT32 ShareShader(SShaderObject& Object, UINT32 Type, const GString& Path, cons
 
 UINT32 LinkProgram(UINT32 VertexShader, UINT32 PixelShader) {
     const UINT32 Program = glCreateProgram();
-    for (UINT32 Shader : {VertexShader, PixelShader})
-        if (Shader)
+    for (UINT32 Shader : {VertexShader, PixelShader}) {
+        if (Shader) {
             glAttachShader(Program, Shader);
+        }
+    }
     glLinkProgram(Program);
     INT32 Linked = 0;
     glGetProgramiv(Program, GL_LINK_STATUS, &Linked);
-    if (!Linked)
+    if (!Linked) {
         StopWithLog(Program, glGetProgramiv, glGetProgramInfoLog, "-SHADER PRORAM LINK ERROR-\n%s\n");
+    }
     return Program;
 }
 
 void DeleteProgram(SShaderProgram* Record) {
-    for (UINT32 Shader : {Record->VertexShader, Record->PixelShader})
-        if (Shader)
+    for (UINT32 Shader : {Record->VertexShader, Record->PixelShader}) {
+        if (Shader) {
             glDetachShader(Record->Program, Shader);
+        }
+    }
     glDeleteProgram(Record->Program);
     delete Record;
 }
 
 void DeleteShaders(GMap<GString, SShaderObject>& Shaders) {
-    for (GMap<GString, SShaderObject>::Iterator It(Shaders); It.Valid(); It.Next())
+    for (GMap<GString, SShaderObject>::Iterator It(Shaders); It.Valid(); It.Next()) {
         glDeleteShader(It.Value().Shader);
+    }
 }
 
 } // namespace
@@ -129,8 +141,9 @@ void ShaderLibInit() {
 }
 
 void ShaderLibFree() {
-    for (SShaderProgram* Record : GShaderLib->Programs)
+    for (SShaderProgram* Record : GShaderLib->Programs) {
         DeleteProgram(Record);
+    }
     DeleteShaders(GShaderLib->VertexShaders);
     DeleteShaders(GShaderLib->PixelShaders);
     delete GShaderLib;
@@ -140,9 +153,11 @@ void ShaderLibFree() {
 UINT32 ShaderGetProgram(const GString& PixelShader, const GString& VertexShader, const GArray<const char*>& Macros) {
     const GString VSKey = MakeKey(VertexShader, Macros);
     const GString PSKey = MakeKey(PixelShader, Macros);
-    for (const SShaderProgram* Record : GShaderLib->Programs)
-        if (Record->VSKey == VSKey && Record->PSKey == PSKey)
+    for (const SShaderProgram* Record : GShaderLib->Programs) {
+        if (Record->VSKey == VSKey && Record->PSKey == PSKey) {
             return Record->Program;
+        }
+    }
 
     SShaderProgram* Record = new SShaderProgram;
     Record->VSKey = VSKey;

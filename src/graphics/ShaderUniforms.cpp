@@ -36,8 +36,9 @@ template <typename T>
 bool Changed(SUniformSlot& Slot, const T* v, INT32 Count) {
     T Last[MATRIX_FLOATS];
     std::memcpy(Last, Slot.Value, Count * sizeof(T));
-    if (std::equal(v, v + Count, Last))
+    if (std::equal(v, v + Count, Last)) {
         return false;
+    }
     std::memcpy(Slot.Value, v, Count * sizeof(T));
     return true;
 }
@@ -46,8 +47,9 @@ bool Changed(SUniformSlot& Slot, const T* v, INT32 Count) {
 template <typename T>
 const SUniformSlot* SlotToSend(const T* v, INT32 Count, UINT32 Program, const GString& Name) {
     SUniformSlot* Slot = nullptr;
-    if (!ShaderGetUniform(Program, Name, Slot) || !Changed(*Slot, v, Count))
+    if (!ShaderGetUniform(Program, Name, Slot) || !Changed(*Slot, v, Count)) {
         return nullptr;
+    }
     return Slot;
 }
 
@@ -61,51 +63,60 @@ void BindOnUnit(INT32 Unit, UINT32 Texture) {
 INT32 ShaderGetUniform(UINT32 Program, const GString& Name, SUniformSlot*& Slot) {
     Slot = nullptr;
     const auto Found = GShaderLib->ProgramsById.find(Program);
-    if (Found == GShaderLib->ProgramsById.end())
+    if (Found == GShaderLib->ProgramsById.end()) {
         return 0;
+    }
     const auto [Entry, New] = Found->second->Uniforms.try_emplace(Name);
-    if (New)
+    if (New) {
         Entry->second.Location = glGetUniformLocation(Program, Name.CStr());
+    }
     Slot = &Entry->second;
     return 1;
 }
 
 void ShaderSetUniform1i(INT32 Value, UINT32 Program, const GString& Name) {
-    if (const SUniformSlot* Slot = SlotToSend(&Value, 1, Program, Name))
+    if (const SUniformSlot* Slot = SlotToSend(&Value, 1, Program, Name)) {
         glUniform1i(Slot->Location, Value);
+    }
 }
 
 void ShaderSetUniform1f(float Value, UINT32 Program, const GString& Name) {
-    if (const SUniformSlot* Slot = SlotToSend(&Value, 1, Program, Name))
+    if (const SUniformSlot* Slot = SlotToSend(&Value, 1, Program, Name)) {
         glUniform1f(Slot->Location, Value);
+    }
 }
 
 void ShaderSetUniform2fv(const float* v, UINT32 Program, const GString& Name) {
     CheckValue(v);
-    if (const SUniformSlot* Slot = SlotToSend(v, 2, Program, Name))
+    if (const SUniformSlot* Slot = SlotToSend(v, 2, Program, Name)) {
         glUniform2fv(Slot->Location, 1, v);
+    }
 }
 
 void ShaderSetUniform3fv(const float* v, UINT32 Program, const GString& Name) {
     CheckValue(v);
-    if (const SUniformSlot* Slot = SlotToSend(v, 3, Program, Name))
+    if (const SUniformSlot* Slot = SlotToSend(v, 3, Program, Name)) {
         glUniform3fv(Slot->Location, 1, v);
+    }
 }
 
 void ShaderSetUniform4fv(const float* v, UINT32 Program, const GString& Name) {
     CheckValue(v);
-    if (const SUniformSlot* Slot = SlotToSend(v, 4, Program, Name))
+    if (const SUniformSlot* Slot = SlotToSend(v, 4, Program, Name)) {
         glUniform4fv(Slot->Location, 1, v);
+    }
 }
 
 void ShaderSetUniformMatrices(const float* v, UINT32 Program, const GString& Name, INT32 Count) {
     CheckValue(v);
     SUniformSlot* Slot = nullptr;
-    if (!ShaderGetUniform(Program, Name, Slot))
+    if (!ShaderGetUniform(Program, Name, Slot)) {
         return;
+    }
     // The slot remembers the first matrix of an array only, which says nothing about the others.
-    if (Changed(*Slot, v, MATRIX_FLOATS) || Count >= 2)
+    if (Changed(*Slot, v, MATRIX_FLOATS) || Count >= 2) {
         glUniformMatrix4fv(Slot->Location, Count, GL_FALSE, v);
+    }
 }
 
 void ShaderSendWorldMatrix(UINT32 Program) {
@@ -131,8 +142,9 @@ void ShaderSendLight(UINT32 Program) {
     M_Normalize(Dir);
     const Vec4 DirAndW = {Dir.x, Dir.y, Dir.z, GLightDirW};
     ShaderSetUniform4fv(&DirAndW.x, Program, "LightDir");
-    if (GCurLight == LIGHT_AMBDIR)
+    if (GCurLight == LIGHT_AMBDIR) {
         ShaderSetUniform3fv(&GAmbientColor.x, Program, "AmbientColor");
+    }
     ShaderSetUniform3fv(&GLightColor.x, Program, "LightColor");
     ShaderSetUniform2fv(&GLightTransDist.x, Program, "LightTransDist");
 }

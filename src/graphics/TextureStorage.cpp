@@ -15,15 +15,18 @@ constexpr UINT32 TEXTURE_UNITS = 8;
 
 STextureRec* FindStored(UINT32 Id, const char* Failure) {
     auto* Node = GTextureById.Find(Id);
-    if (!Node)
+    if (!Node) {
         FatalError(Failure, Id);
+    }
     return Node->value;
 }
 
 STextureRec* AnyFailedRecord() {
-    for (GMap<GString, STextureRec*>::Iterator It(GTextureByName); It.Valid(); It.Next())
-        if (It.Value()->Id == 0)
+    for (GMap<GString, STextureRec*>::Iterator It(GTextureByName); It.Valid(); It.Next()) {
+        if (It.Value()->Id == 0) {
             return It.Value();
+        }
+    }
     return nullptr;
 }
 
@@ -37,8 +40,9 @@ void Forget(STextureRec* Record) {
         return;
     }
     // Other failed paths may still have owners; one of them takes the place under the common id.
-    if (STextureRec* Next = AnyFailedRecord())
+    if (STextureRec* Next = AnyFailedRecord()) {
         GTextureById[0] = Next;
+    }
 }
 
 UINT32 MakeMipmappedTexture() {
@@ -93,8 +97,9 @@ void TextureAddRef(UINT32 Id) {
 void TextureRelease(UINT32 Id) {
     STextureRec* Record = FindStored(Id, "Release: Texture %d doesn't exist in the storage\n");
     Record->RefCount -= 1;
-    if (Record->RefCount == 0)
+    if (Record->RefCount == 0) {
         Forget(Record);
+    }
 }
 
 UINT32 TextureFromPixels(INT32 Width, INT32 Height, const void* Pixels) {

@@ -16,14 +16,18 @@ constexpr INT32 BOX_EDGES = 12;
 // Switches client arrays on for one draw and off again. GL_VERTEX_ARRAY is always on.
 struct SArrayScope {
     explicit SArrayScope(UINT32 First, UINT32 Second = 0) : Arrays{First, Second} {
-        for (UINT32 Array : Arrays)
-            if (Array)
+        for (UINT32 Array : Arrays) {
+            if (Array) {
                 glEnableClientState(Array);
+            }
+        }
     }
     ~SArrayScope() {
-        for (UINT32 Array : Arrays)
-            if (Array)
+        for (UINT32 Array : Arrays) {
+            if (Array) {
                 glDisableClientState(Array);
+            }
+        }
     }
     SArrayScope(const SArrayScope&) = delete;
     SArrayScope& operator=(const SArrayScope&) = delete;
@@ -46,12 +50,14 @@ Vec3 BoxCorner(const BBox& Box, INT32 Index) {
 void DrawEdges(const Vec3 (&Corners)[BOX_CORNERS], UINT32 Color) {
     SVertex16 Vertices[2 * BOX_EDGES];
     INT32 Count = 0;
-    for (INT32 From = 0; From < BOX_CORNERS; From++)
-        for (INT32 Axis = 1; Axis < BOX_CORNERS; Axis *= 2)
+    for (INT32 From = 0; From < BOX_CORNERS; From++) {
+        for (INT32 Axis = 1; Axis < BOX_CORNERS; Axis *= 2) {
             if (!(From & Axis)) {
                 Vertices[Count++] = {Corners[From], Color};
                 Vertices[Count++] = {Corners[From | Axis], Color};
             }
+        }
+    }
     DrawVertices16(Vertices, Count, GL_LINES);
 }
 
@@ -106,8 +112,9 @@ void DrawRect(float Left, float Right, float Top, float Bottom, float Z) {
 
 void DrawBoxLines(const BBox& Box, UINT32 Color) {
     Vec3 Corners[BOX_CORNERS];
-    for (INT32 i = 0; i < BOX_CORNERS; i++)
+    for (INT32 i = 0; i < BOX_CORNERS; i++) {
         Corners[i] = BoxCorner(Box, i);
+    }
     DrawEdges(Corners, Color);
 }
 
