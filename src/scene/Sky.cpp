@@ -16,8 +16,7 @@ SVertex20 SpherePoint(int Band, int Segment) {
     const float Pitch = PI * Band / BANDS - PI / 2;
     const float Angle = 2 * PI * Segment / SEGMENTS;
     SVertex20 Vertex;
-    Vertex.Pos = {RADIUS * M_Cos(Pitch) * M_Cos(Angle), RADIUS * M_Cos(Pitch) * M_Sin(Angle),
-                       RADIUS * M_Sin(Pitch)};
+    Vertex.Pos = {RADIUS * M_Cos(Pitch) * M_Cos(Angle), RADIUS * M_Cos(Pitch) * M_Sin(Angle), RADIUS * M_Sin(Pitch)};
     Vertex.Tex = {static_cast<float>(Segment) / SEGMENTS, static_cast<float>(Band) / BANDS};
     return Vertex;
 }
@@ -28,6 +27,7 @@ void SSky::Load(const GString& TextureName) {
     Free();
     if (TextureName.Length() > 0) {
         Texture = TextureLoad(TextureName);
+        HoldsTexture = true;
     }
     Vertices.Reserve(BANDS * SEGMENTS * 6);
     for (int Band = 0; Band < BANDS; ++Band) {
@@ -42,9 +42,10 @@ void SSky::Load(const GString& TextureName) {
 }
 
 void SSky::Free() {
-    if (Texture) {
+    if (HoldsTexture) {
         TextureRelease(Texture);
     }
+    HoldsTexture = false;
     Texture = 0;
     Vertices.Clear();
 }

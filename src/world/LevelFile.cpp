@@ -25,26 +25,16 @@ const SFieldKey TERRAIN_KEYS[] = {
 };
 
 const SFieldKey SCENE_KEYS[] = {
-    {.Key = "winda", .Float = &SLevelParams::Wind_Angle},
-    {.Key = "windp", .Float = &SLevelParams::Wind_Pitch},
-    {.Key = "windr", .Float = &SLevelParams::Wind_Speed},
-    {.Key = "grava", .Float = &SLevelParams::Gravity_Angle},
-    {.Key = "gravp", .Float = &SLevelParams::Gravity_Pitch},
-    {.Key = "gravr", .Float = &SLevelParams::Gravity_Strength},
-    {.Key = "lda", .Float = &SLevelParams::LightDir_Angle},
-    {.Key = "ldp", .Float = &SLevelParams::LightDir_Pitch},
-    {.Key = "lcr", .Float = &SLevelParams::LightColor_R},
-    {.Key = "lcg", .Float = &SLevelParams::LightColor_G},
-    {.Key = "lcb", .Float = &SLevelParams::LightColor_B},
-    {.Key = "cldam", .Float = &SLevelParams::CloudAmount},
-    {.Key = "sky", .Text = &SLevelParams::SkyFile},
-    {.Key = "fcr", .Float = &SLevelParams::FogColor_R},
-    {.Key = "fcg", .Float = &SLevelParams::FogColor_G},
-    {.Key = "fcb", .Float = &SLevelParams::FogColor_B},
-    {.Key = "fdist", .Float = &SLevelParams::FogDist},
-    {.Key = "fexp", .Float = &SLevelParams::FogExp},
-    {.Key = "skfam", .Float = &SLevelParams::SkyFog},
-    {.Key = "skfexp", .Float = &SLevelParams::SkyFogExp},
+    {.Key = "winda", .Float = &SLevelParams::Wind_Angle},    {.Key = "windp", .Float = &SLevelParams::Wind_Pitch},
+    {.Key = "windr", .Float = &SLevelParams::Wind_Speed},    {.Key = "grava", .Float = &SLevelParams::Gravity_Angle},
+    {.Key = "gravp", .Float = &SLevelParams::Gravity_Pitch}, {.Key = "gravr", .Float = &SLevelParams::Gravity_Strength},
+    {.Key = "lda", .Float = &SLevelParams::LightDir_Angle},  {.Key = "ldp", .Float = &SLevelParams::LightDir_Pitch},
+    {.Key = "lcr", .Float = &SLevelParams::LightColor_R},    {.Key = "lcg", .Float = &SLevelParams::LightColor_G},
+    {.Key = "lcb", .Float = &SLevelParams::LightColor_B},    {.Key = "cldam", .Float = &SLevelParams::CloudAmount},
+    {.Key = "sky", .Text = &SLevelParams::SkyFile},          {.Key = "fcr", .Float = &SLevelParams::FogColor_R},
+    {.Key = "fcg", .Float = &SLevelParams::FogColor_G},      {.Key = "fcb", .Float = &SLevelParams::FogColor_B},
+    {.Key = "fdist", .Float = &SLevelParams::FogDist},       {.Key = "fexp", .Float = &SLevelParams::FogExp},
+    {.Key = "skfam", .Float = &SLevelParams::SkyFog},        {.Key = "skfexp", .Float = &SLevelParams::SkyFogExp},
     {.Key = "cldst", .Float = &SLevelParams::ClipDist},
 };
 
@@ -123,7 +113,7 @@ private:
             const GString Key = F_ReadString(Pos, Text, F_IsName);
             F_CheckChar(Pos, Text, '=');
             const GString Value = F_ReadString(Pos, Text, F_IsPrintable);
-            Def.Properties[Key] = Value;
+            Def.Properties.Insert(Key, Value)->value = Value;
             if (Key == "x") {
                 Def.Position.x = static_cast<float>(std::atof(Value.CStr()));
             } else if (Key == "y") {
@@ -198,6 +188,9 @@ void WriteEntity(GString& Out, const SEntityDef& Def) {
     Out += "entity ";
     Out += Def.ClassName;
     for (GMap<GString, GString>::Iterator It(Def.Properties); It.Valid(); It.Next()) {
+        if (It.Value().Empty()) {
+            continue;
+        }
         Out += " ";
         Out += It.Key();
         Out += "=";
