@@ -134,5 +134,5 @@ struct SRayHits {
 };
 
 // Walks the cells along the ray from its origin: 0 when the origin lies outside the grid's box, else 1. The walk
-// finishes the cell in which it finds its first hit and ends at the first client of a later one.
+// finishes the cell in which it finds its first hit, and those that the allowance grants, and ends there.
 UINT32 TraceGrid(SSpatialGrid* Grid, const Ray& PickRay, SRayHits* Hits);

@@ -101,13 +101,8 @@ UINT32 TraceGrid(SSpatialGrid* Grid, const Ray& PickRay, SRayHits* Hits) {
     }
     UINT32 StepNumber = 0;
     do {
-        const SClientList& List = Grid->Cell(Walk.Cell[0], Walk.Cell[1], Walk.Cell[2]);
-        const bool Done = StepNumber > Hits->StepAllowance && Hits->Hits.root;
-        if (Done && List.first) {
-            break;
-        }
-        VisitCell(List, PickRay, *Hits);
+        VisitCell(Grid->Cell(Walk.Cell[0], Walk.Cell[1], Walk.Cell[2]), PickRay, *Hits);
         ++StepNumber;
-    } while (Walk.Step(Grid->CellCounts));
+    } while (!(StepNumber > Hits->StepAllowance && Hits->Hits.root) && Walk.Step(Grid->CellCounts));
     return 1;
 }

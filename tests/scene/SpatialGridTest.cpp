@@ -23,8 +23,8 @@ bool Touch(const BBox& A, const BBox& B) {
            B.Min.z <= A.Max.z;
 }
 
-// Whether a client of this box goes no deeper than a node that it reached. The root measures the box as it is, the nodes
-// below the piece within them.
+// Whether a client of this box goes no deeper than a node that it reached. The root measures the box as it is, the
+// nodes below the piece within them.
 bool Stops(const SSpatialNode& Node, bool IsRoot, const BBox& Box) {
     BBox Piece = Box;
     for (int Axis = 0; Axis < 3 && !IsRoot; ++Axis) {
@@ -184,6 +184,21 @@ TEST_F(SpatialGridTest, NodesAreListedChildrenBeforeParents) {
     }
 }
 
+TEST_F(SpatialGridTest, BoxOfHalfANodeFillsIt) {
+    AddMesh({{0, 0, 0}, {128, 128, 63}});
+    EXPECT_TRUE(Grid.Root->Children[7]->HasChildren());
+    Grid.Init(Grid.Box, Grid.CellCounts);
+    AddMesh({{0, 0, 0}, {128, 128, 64}});
+    EXPECT_FALSE(Grid.Root->Children[7]->HasChildren());
+}
+
+TEST_F(SpatialGridTest, PieceBelowA64thOfItsClientStops) {
+    AddMesh({{-1, 10, 10}, {64, 12, 12}});
+    EXPECT_FALSE(Grid.Root->Children[6]->HasChildren());
+    AddMesh({{-1, 10, 10}, {63, 12, 12}});
+    EXPECT_TRUE(Grid.Root->Children[6]->HasChildren()) << "exactly a 64th goes on";
+}
+
 // A box without volume divides 0 by 0, which is not above any ratio: it goes down to a leaf.
 TEST_F(SpatialGridTest, BoxWithoutVolumeReachesALeaf) {
     const CTestMesh& Point = AddMesh({{10, 10, 10}, {10, 10, 10}});
@@ -200,7 +215,8 @@ TEST_F(SpatialGridTest, StrangeBoxesComeOutAsTheyWentIn) {
                             {-90, -90, -90}};
     for (const Vec3& Low : Corners) {
         for (const Vec3& High : Corners) {
-            AddMesh({Low, High});
+            const CTestMesh& Mesh = AddMesh({Low, High});
+            EXPECT_EQ(Mesh.InCells, Low == Corners[5] || High == Corners[5] ? 1u : 0u);
         }
     }
     for (CTestMesh& Mesh : Meshes) {

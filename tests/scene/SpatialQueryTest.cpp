@@ -128,6 +128,7 @@ TEST_F(SpatialQueryTest, ClientThatStoppedInANodeWithChildrenIsMissedWhileThePla
     EXPECT_EQ(Query(PlanesOf(Half)).count, 1u) << "the octant has no children yet";
     AddMesh({{10, 10, 10}, {12, 12, 12}});
     EXPECT_EQ(SetOf(Query(PlanesOf(Half))), (ClientSet{&Meshes[1]}));
+    EXPECT_EQ(Query(PlanesOf({{0, 0, 0}, {128, 128, 128}})).count, 1u) << "planes that touch the octant cross it";
     EXPECT_EQ(Query(PlanesOf({{-1, -1, -1}, {129, 129, 129}})).count, 2u) << "gathered whole";
 }
 

@@ -1,6 +1,7 @@
 #include "scene/SpatialFixture.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <map>
@@ -106,6 +107,21 @@ TEST_F(SpatialRayTest, TiesStepAlongZThenYThenX) {
     EXPECT_EQ(Asked, Expected);
 }
 
+// Cells of 10 by 1 by 1: along this ray y = 1 comes after 2 units, x = 10 after 5, y = 2 after 6, y = 3 after 10.
+TEST_F(SpatialRayTest, OblongCellsAreCrossedInTheOrderOfTheRay) {
+    Grid.Init({{0, 0, 0}, {80, 8, 8}}, {8, 8, 8});
+    const Vec3 OnTheWay[] = {{5, 0.5f, 0.5f}, {5, 1.5f, 0.5f}, {15, 1.5f, 0.5f}, {15, 2.5f, 0.5f}, {15, 3.5f, 0.5f}};
+    Visits Expected;
+    for (const Vec3& Point : OnTheWay) {
+        CTestMesh& Mesh = AddMesh({Point, Point});
+        Mesh.Asked = &Asked;
+        Expected.push_back(&Mesh);
+    }
+    Meshes.back().Answer = 1;
+    EXPECT_EQ(Trace({5, 0.5f, 0.5f}, {1, 0.25f, 0}), 1u);
+    EXPECT_EQ(Asked, Expected);
+}
+
 TEST_F(SpatialRayTest, ZeroComponentNeverSteps) {
     for (int X = 0; X < CELLS; ++X) {
         MeshIn({X, 9, 9});
@@ -138,7 +154,7 @@ TEST_F(SpatialRayTest, RayThatStartsOutsideFindsNothing) {
     EXPECT_EQ(HitClients().size(), 1u);
 }
 
-TEST_F(SpatialRayTest, FinishesTheCellOfTheFirstHitAndEndsAtTheNextClient) {
+TEST_F(SpatialRayTest, FinishesTheCellOfTheFirstHitAndEndsThere) {
     MeshIn({2, 9, 9});
     CTestMesh& Far = MeshIn({5, 9, 9}, 8);
     CTestMesh& Near = MeshIn({5, 9, 9}, 7);
