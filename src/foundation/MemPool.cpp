@@ -4,30 +4,28 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <new>
 
 namespace {
 
 constexpr UINT32 MAX_DUMPED_BYTES = 32;
 
-UINT8* DataOf(const SMemBlock* Block) {
-    return reinterpret_cast<UINT8*>(const_cast<SMemBlock*>(Block + 1));
+// A copy of the header at an address: a block of odd size leaves the next one anywhere.
+SMemBlock HeaderAt(const UINT8* Address) {
+    SMemBlock Header;
+    std::memcpy(&Header, Address, sizeof(Header));
+    return Header;
 }
 
-UINT32 DataSize(const SMemBlock* Block) {
-    return Block->SizeAndUse & ~MEM_BLOCK_USED;
-}
-
-// Whether header and data lie in the arena: the headers are written by code that may be at fault.
+// Whether a header or data lies in the arena: the headers are written by code that may be at fault.
 bool Contains(const SMemPool* Pool, const UINT8* Address, UINT32 Bytes) {
     const UINT8* Begin = reinterpret_cast<const UINT8*>(Pool->Base);
     const UINT32 Offset = static_cast<UINT32>(Address - Begin);
     return Offset <= Pool->Size && Bytes <= Pool->Size - Offset;
 }
 
-void DumpBlock(int Number, const SMemBlock* Block) {
-    const UINT8* Data = DataOf(Block);
-    const UINT32 Size = DataSize(Block);
+void DumpBlock(int Number, const UINT8* Data, UINT32 Size) {
     // The whole address: the cast keeps what "%X" alone would cut on a machine with 64-bit addresses.
     LogPrintf("Used block %d: %d bytes @ 0x%lX\n", Number, static_cast<int>(Size),
               static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(Data)));
@@ -67,14 +65,16 @@ int MemPoolDump(const SMemPool* Pool) {
     const UINT8* At = reinterpret_cast<const UINT8*>(Pool->Base);
     const UINT8* Last = reinterpret_cast<const UINT8*>(Pool->LastBlock);
     while (Pool->Size && At <= Last && Contains(Pool, At, sizeof(SMemBlock))) {
-        const SMemBlock* Block = reinterpret_cast<const SMemBlock*>(At);
-        if (!Contains(Pool, DataOf(Block), DataSize(Block))) {
+        const SMemBlock Header = HeaderAt(At);
+        const UINT8* Data = At + sizeof(SMemBlock);
+        const UINT32 Size = Header.SizeAndUse & ~MEM_BLOCK_USED;
+        if (!Contains(Pool, Data, Size)) {
             break;
         }
-        if (Block->SizeAndUse & MEM_BLOCK_USED) {
-            DumpBlock(++Used, Block);
+        if (Header.SizeAndUse & MEM_BLOCK_USED) {
+            DumpBlock(++Used, Data, Size);
         }
-        At = DataOf(Block) + DataSize(Block);
+        At = Data + Size;
     }
     return Used;
 }

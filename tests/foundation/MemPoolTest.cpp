@@ -14,18 +14,25 @@ class MemPool : public testing::Test {
 protected:
     ~MemPool() override { MemPoolFree(Pool); }
 
-    SMemBlock* BlockAt(UINT32 Offset) { return reinterpret_cast<SMemBlock*>(Bytes() + Offset); }
     char* Bytes() { return reinterpret_cast<char*>(Pool->Base); }
 
-    // Cuts the front of a block off as a used one that holds Data; the result is the free rest.
-    SMemBlock* Use(SMemBlock* Block, const std::string& Data) {
+    UINT32 WordAt(UINT32 Offset) {
+        UINT32 Word;
+        std::memcpy(&Word, Bytes() + Offset, 4);
+        return Word;
+    }
+    void SetWordAt(UINT32 Offset, UINT32 Word) { std::memcpy(Bytes() + Offset, &Word, 4); }
+
+    // Cuts the front of the block at Offset off as a used one that holds Data; the result is the place of the free
+    // rest.
+    UINT32 Use(UINT32 Offset, const std::string& Data) {
         const UINT32 Size = static_cast<UINT32>(Data.size());
-        const UINT32 Whole = Block->SizeAndUse;
-        SMemBlock* Rest = reinterpret_cast<SMemBlock*>(reinterpret_cast<char*>(Block + 1) + Size);
-        *Rest = {Whole - Size - 8, 0};
-        Block->SizeAndUse = Size | MEM_BLOCK_USED;
-        std::memcpy(Block + 1, Data.data(), Size);
-        Pool->LastBlock = Rest;
+        const UINT32 Rest = Offset + 8 + Size;
+        SetWordAt(Rest, WordAt(Offset) - Size - 8);
+        SetWordAt(Rest + 4, 0);
+        SetWordAt(Offset, Size | MEM_BLOCK_USED);
+        std::memcpy(Bytes() + Offset + 8, Data.data(), Size);
+        Pool->LastBlock = reinterpret_cast<SMemBlock*>(Bytes() + Rest);
         return Rest;
     }
 
@@ -65,10 +72,9 @@ TEST_F(MemPool, DumpOfAnUnusedPoolIsTheHeadLineOnly) {
 
 TEST_F(MemPool, DumpTellsUsedBlocksAndTheirFirst32Bytes) {
     const std::string Long = "0123456789abcdefghijklmnopqrstuvwxyz";
-    SMemBlock* Second = Use(Pool->Base, "seven b");
-    SMemBlock* Third = Use(Second, "freed again");
-    Use(Third, Long);
-    Second->SizeAndUse &= ~MEM_BLOCK_USED;
+    const UINT32 Second = Use(0, "seven b");
+    Use(Use(Second, "freed again"), Long);
+    SetWordAt(Second, WordAt(Second) & ~MEM_BLOCK_USED);
     std::string Printed;
     EXPECT_EQ(Dump(Printed), 2);
     EXPECT_EQ(Printed, HEAD + "Used block 1: 7 bytes @ 0x" + Address(8) + "\ndata(<32): seven b\n" +
@@ -86,12 +92,12 @@ TEST_F(MemPool, DumpIncludesTheLastBlock) {
 }
 
 TEST_F(MemPool, DumpStopsAtADamagedHeader) {
-    SMemBlock* Second = Use(Pool->Base, "good");
+    const UINT32 Second = Use(0, "good");
     Use(Second, "bad");
     std::string Printed;
     // The second header stands behind 12 bytes, so 65516 would just fit.
     for (const UINT32 Size : {0x7FFFFFFFu, 65536u, 65517u}) {
-        Second->SizeAndUse = Size | MEM_BLOCK_USED;
+        SetWordAt(Second, Size | MEM_BLOCK_USED);
         EXPECT_EQ(Dump(Printed), 1) << Size;
     }
 }
