@@ -41,6 +41,8 @@ TEST(Polygon, PlaneOfTooFewOrCrookedPointsIsNotWritten) {
     EXPECT_EQ(M_PolygonPlane(Ring({{0, 0, 0}, {1, 0, 0}}), P), 0);
     EXPECT_EQ(M_PolygonPlane(Ring({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0.0002f}}), P), 0);
     EXPECT_EQ(P.D, 7);
+    EXPECT_EQ(M_PolygonPlane(Ring({{0, 0, 3}, {1, 0, 3}, {0, 1, 3}}), P), 1);
+    EXPECT_EQ(P.D, 3);
     EXPECT_EQ(M_PolygonPlane(Ring({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0.00009f}}), P), 1);
     EXPECT_EQ(P.D, 0);
 }
@@ -61,6 +63,10 @@ TEST(Polygon, CleanTakesOutStraightCornersAndSpikes) {
     GArray<Vec3> Straight = Ring({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}, {0, 1, 0}});
     EXPECT_EQ(M_PolygonClean(Straight), 1);
     ExpectRing(Straight, {{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}});
+
+    GArray<Vec3> Overlap = Ring({{0, 0, 0}, {4, 0, 0}, {1, 0, 0}, {1, 3, 0}, {0, 3, 0}});
+    EXPECT_EQ(M_PolygonClean(Overlap), 1);
+    ExpectRing(Overlap, {{0, 0, 0}, {1, 0, 0}, {1, 3, 0}, {0, 3, 0}});
 
     GArray<Vec3> Spike = Ring({{0, 0, 0}, {2, 0, 0}, {5, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}});
     EXPECT_EQ(M_PolygonClean(Spike), 1);
