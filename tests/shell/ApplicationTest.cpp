@@ -411,6 +411,7 @@ TEST_F(FatalStartTest, AWindowWithoutOpenGl) {
 }
 
 struct SFolderCase {
+    const char* Case;
     const char* Executable;
     const char* Folder;
 };
@@ -422,14 +423,16 @@ TEST_P(DataFolderTest, LiesBesideTheExecutable) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Paths, DataFolderTest,
-                         testing::Values(SFolderCase{"/opt/game/bin/sloperush", "/opt/game/bin/SlopeRush\\"},
-                                         SFolderCase{"C:\\game\\sloperush.exe", "C:\\game\\SlopeRush\\"},
-                                         SFolderCase{"./sloperush", "./SlopeRush\\"},
-                                         SFolderCase{"/sloperush", "/SlopeRush\\"},
-                                         SFolderCase{"sloperush", "SlopeRush\\"}, SFolderCase{"", "SlopeRush\\"},
-                                         // With both kinds in one path the one that comes first counts.
-                                         SFolderCase{"a\\b/c", "a\\SlopeRush\\"},
-                                         SFolderCase{"a/b\\c", "a/SlopeRush\\"},
-                                         SFolderCase{"a\\b/c\\d", "a\\b/SlopeRush\\"}));
+                         testing::Values(SFolderCase{"Slashes", "/opt/game/bin/sloperush", "/opt/game/bin/SlopeRush\\"},
+                                         SFolderCase{"Backslashes", "C:\\game\\sloperush.exe", "C:\\game\\SlopeRush\\"},
+                                         SFolderCase{"Relative", "./sloperush", "./SlopeRush\\"},
+                                         SFolderCase{"AtTheRoot", "/sloperush", "/SlopeRush\\"},
+                                         SFolderCase{"NoSeparator", "sloperush", "SlopeRush\\"},
+                                         SFolderCase{"Empty", "", "SlopeRush\\"},
+                                         // Of the last separators of either kind the one that comes first counts.
+                                         SFolderCase{"BackslashFirst", "a\\b/c", "a\\SlopeRush\\"},
+                                         SFolderCase{"SlashFirst", "a/b\\c", "a/SlopeRush\\"},
+                                         SFolderCase{"Mixed", "a\\b/c\\d", "a\\b/SlopeRush\\"}),
+                         [](const testing::TestParamInfo<SFolderCase>& Info) { return Info.param.Case; });
 
 } // namespace
