@@ -66,6 +66,15 @@ TEST_F(ShaderLibTest, ProgramsShareAVertexShader) {
     EXPECT_EQ(GShaderLib->PixelShaders["Other"].RefCount, 1);
 }
 
+TEST_F(ShaderLibTest, ProgramsShareAPixelShader) {
+    WriteText("Data/Shaders/Other.vsh", PLAIN_VERTEX);
+    const UINT32 First = ShaderGetProgram("Quad", "Quad");
+    const UINT32 Second = ShaderGetProgram("Quad", "Other");
+    EXPECT_NE(First, Second);
+    EXPECT_EQ(Record(First).PixelShader, Record(Second).PixelShader);
+    EXPECT_EQ(GShaderLib->PixelShaders["Quad"].RefCount, 2);
+}
+
 TEST_F(ShaderLibTest, TheTextIsMacrosThenPrefixThenFileWithoutCarriageReturns) {
     WriteShaders("Crlf", "void main() {\r\n gl_Position = gl_Vertex; }\r\n", "Crlf", VARIANTS);
     const UINT32 Program = ShaderGetProgram("Crlf", "Crlf", Macros({"A", "B"}));
