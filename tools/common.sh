@@ -42,16 +42,22 @@ InstallMissing() {
 }
 
 # Build PRESET TARGET [WITH_TESTS]: configures where needed and builds. A tree that was configured with tests keeps them.
+# Says what failed and returns it.
 Build() {
     local Preset=$1 Target=$2 WithTests=${3:-OFF} Cache="$Root/build/$1/CMakeCache.txt"
     if [ ! -f "$Root/build/$Preset/build.ninja" ] ||
         { [ "$WithTests" = ON ] && ! grep -q '^SLOPERUSH_TESTS:BOOL=ON' "$Cache"; }; then
         Say "configuring build/$Preset"
-        (cd "$Root" && cmake --preset "$Preset" -DSLOPERUSH_TESTS="$WithTests" >/dev/null) ||
-            Stop "build/$Preset could not be configured"
+        (cd "$Root" && cmake --preset "$Preset" -DSLOPERUSH_TESTS="$WithTests" >/dev/null) || {
+            Say "build/$Preset could not be configured" >&2
+            return 1
+        }
     fi
     Say "building build/$Preset"
-    cmake --build "$Root/build/$Preset" --target "$Target" || Stop "build/$Preset does not build"
+    cmake --build "$Root/build/$Preset" --target "$Target" || {
+        Say "build/$Preset does not build" >&2
+        return 1
+    }
 }
 
 # StartDisplay: a virtual display with a window manager, software GL and silent sound for everything that follows.
