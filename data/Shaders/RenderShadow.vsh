@@ -7,6 +7,7 @@ uniform mat4 WorldMatrix;
 #endif
 
 varying vec2 TexCoord;
+varying float Holes; // above 0 where the texture's alpha counts
 
 void main()
 {
@@ -16,8 +17,11 @@ void main()
 		+ (WorldMatrix[int(Indices.y)] * gl_Vertex) * gl_MultiTexCoord2.y
 		+ (WorldMatrix[int(Indices.z)] * gl_Vertex) * gl_MultiTexCoord2.z
 		+ (WorldMatrix[int(Indices.w)] * gl_Vertex) * gl_MultiTexCoord2.w;
+	Holes = 1.0;
 #else
 	vec4 World = WorldMatrix * gl_Vertex;
+	// The ground is the one thing that is scaled by hundreds. It has no holes; what is bound for it is no picture of it.
+	Holes = 100.0 - length(WorldMatrix[0].xyz);
 #endif
 	TexCoord = gl_MultiTexCoord0.xy;
 	gl_Position = ProjectionMatrix * (ViewMatrix * World);

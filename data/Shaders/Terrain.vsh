@@ -1,10 +1,26 @@
 // The slope. Vertices are in unit space; the world matrix scales them by half sizes and height.
 uniform mat4 WorldMatrix;
 uniform mat4 SMMatrix;
+uniform sampler2D NormalMap; // normals in unit space
+uniform vec3 Extents;
 
 varying vec3 WorldPos;
-varying vec3 ShadowPos; // in the shadow map, 0 to 1
-varying vec2 TerrainCoord;
+varying vec3 ShadowPos; // sun: in the shadow map, 0 to 1; spot: its x, y and w in the map's clip space
+varying vec3 GroundNormal;
+
+// Heights come in whole levels. Averaged over a few samples, the normals lose the stairs of gentle ground. A vertex is the
+// cheap place for that: there are far fewer of them than pixels.
+vec3 SmoothNormal()
+{
+	const float Step = 0.8 / 256.0;
+	vec2 Place = gl_MultiTexCoord0.xy;
+	vec3 Packed = texture2DLod(NormalMap, Place + vec2(Step, Step), 1.0).xyz
+		+ texture2DLod(NormalMap, Place + vec2(-Step, Step), 1.0).xyz
+		+ texture2DLod(NormalMap, Place + vec2(Step, -Step), 1.0).xyz
+		+ texture2DLod(NormalMap, Place + vec2(-Step, -Step), 1.0).xyz;
+	// The bytes were cut, not rounded: half a step is missing from each of the four.
+	return normalize((Packed - 1.992) / Extents);
+}
 
 void main()
 {
@@ -17,6 +33,6 @@ void main()
 #else
 	ShadowPos = Shadow.xyw;
 #endif
-	TerrainCoord = gl_MultiTexCoord0.xy;
+	GroundNormal = SmoothNormal();
 	gl_Position = ProjectionMatrix * (ViewMatrix * World);
 }

@@ -20,8 +20,8 @@ float DiscAlpha(float Distance, float) {
 // A steep core, a wide veil and faint rays of uneven length.
 float FlareAlpha(float Distance, float Angle) {
     const float Inside = Clamp01(1.0f - Distance);
-    const float Core = 0.55f * std::pow(Inside, 9.0f);
-    const float Veil = 0.26f * Inside * Inside * Inside;
+    const float Core = 0.40f * std::pow(Inside, 10.0f);
+    const float Veil = 0.16f * Inside * Inside * Inside;
     const float Ray = 0.5f + 0.5f * std::cos(Angle * 6.0f);
     const float Uneven = 0.7f + 0.3f * std::cos(Angle * 10.0f + 1.0f);
     return Core + Veil + 0.16f * std::pow(Ray, 24.0f) * Uneven * std::pow(Inside, 2.5f);

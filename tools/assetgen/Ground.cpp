@@ -1,9 +1,9 @@
 // Detail textures of the terrain: snow and rock, each as a colour and a normal map, 512 by 512, repeating in both
 // directions.
 //
-// Colour and normals of one ground come from one relief, so that they fit. Snow's alpha holds its glints: a few grains
-// with a random phase, nothing elsewhere. Rock's alpha holds its relief, by which snow settles in its hollows.
-// Normals point up along blue; their alpha is whole, since the shadow pass tests it.
+// Colour and normals of one ground come from one relief, so that they fit. Rock's colour holds its relief in alpha, by
+// which snow settles in its hollows. Normals point up along blue. Those of snow hold its glints in alpha: a few grains
+// with a random phase, nothing elsewhere.
 #include "Asset.h"
 #include "Noise.h"
 #include "Picture.h"
@@ -34,18 +34,20 @@ float SnowRelief(float u, float v) {
 // Strata along u that lean and break, cracks between blocks, and grit.
 float RockRelief(float u, float v) {
     const float Warp = NoiseFbmTiled(u * 3, v * 3, 3, 3, 4, 200);
-    const float Layer = v * 9.0f + 0.55f * Warp + 0.25f * NoiseFbmTiled(u * 2, v * 9, 2, 9, 2, 210);
+    const float Layer = v * 6.0f + 1.5f * Warp + 0.5f * NoiseFbmTiled(u * 2, v * 6, 2, 6, 3, 210);
     const float Part = Layer - std::floor(Layer);
-    const float Ledge = SmoothStep(0.0f, 0.75f, Part) - SmoothStep(0.82f, 1.0f, Part);
+    const float Ledge = SmoothStep(0.0f, 0.7f, Part) - SmoothStep(0.8f, 1.0f, Part);
+    const float Ledges = 0.25f + 0.75f * SmoothStep(-0.2f, 0.3f, NoiseFbmTiled(u * 4, v * 4, 4, 4, 2, 215));
 
     float Near, Second;
-    NoiseWorleyTiled(u * 7 + 0.6f * Warp, v * 11 + 0.5f * Warp, 7, 11, 220, Near, Second);
-    const float Block = SmoothStep(0.0f, 0.22f, Second - Near);
-    NoiseWorleyTiled(u * 22 + 0.9f * Warp, v * 26 + 0.9f * Warp, 22, 26, 230, Near, Second);
-    const float Chip = SmoothStep(0.0f, 0.3f, Second - Near);
+    NoiseWorleyTiled(u * 5 + 1.2f * Warp, v * 9 + 1.0f * Warp, 5, 9, 220, Near, Second);
+    const float Block = SmoothStep(0.0f, 0.10f, Second - Near);
+    const float Face = Near * 0.8f;
+    NoiseWorleyTiled(u * 17 + 1.6f * Warp, v * 23 + 1.2f * Warp, 17, 23, 230, Near, Second);
+    const float Chip = SmoothStep(0.0f, 0.2f, Second - Near);
 
-    const float Rough = NoiseFbmTiled(u * 12, v * 12, 12, 12, 5, 240);
-    return 0.55f * Ledge + 0.35f * Block + 0.14f * Chip + 0.55f * Rough + 0.5f * Warp;
+    const float Rough = NoiseFbmTiled(u * 8, v * 8, 8, 8, 6, 240);
+    return 0.45f * Ledge * Ledges + 0.16f * Block + Face * 0.5f + 0.07f * Chip + 0.85f * Rough + 0.8f * Warp;
 }
 
 // Relief of the whole tile; a neighbour beyond an edge is found on the other side.
@@ -73,7 +75,13 @@ private:
     GArray<float> Heights;
 };
 
-bool SaveNormals(const CField& Field, float Strength, const char* File) {
+// 0 for most grains.
+float Glint(INT32 x, INT32 y) {
+    constexpr float GLINTS = 0.035f; // part of the grains that glint
+    return NoiseCell(x, y, 160) < GLINTS ? 0.35f + 0.65f * NoiseCell(x, y, 161) : 0.0f;
+}
+
+bool SaveNormals(const CField& Field, float Strength, bool Glints, const char* File) {
     CPicture Picture(SIDE, SIDE, 4);
     for (INT32 y = 0; y < SIDE; ++y) {
         for (INT32 x = 0; x < SIDE; ++x) {
@@ -81,24 +89,22 @@ bool SaveNormals(const CField& Field, float Strength, const char* File) {
             const float dy = (Field.At(x, y - 1) - Field.At(x, y + 1)) * Strength;
             const float Scale = 0.5f / std::sqrt(dx * dx + dy * dy + 1.0f);
             Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), dx * Scale + 0.5f, dy * Scale + 0.5f,
-                              Scale + 0.5f);
+                              Scale + 0.5f, Glints ? Glint(x, y) : 1.0f);
         }
     }
     return Picture.SavePng(File);
 }
 
 bool SaveSnow(const CField& Field, const char* File) {
-    constexpr float GLINTS = 0.035f; // part of the texels that glint
-    CPicture Picture(SIDE, SIDE, 4);
+    CPicture Picture(SIDE, SIDE, 3);
     for (INT32 y = 0; y < SIDE; ++y) {
         for (INT32 x = 0; x < SIDE; ++x) {
             const float High = Field.Prominence(x, y, 12);
             const float Grain = NoiseCell(x, y, 150) - 0.5f;
             const float Bright = 0.93f + 0.10f * High + 0.030f * Grain;
             const float Cool = Clamp01(0.5f - 1.5f * High);
-            const float Glint = NoiseCell(x, y, 160) < GLINTS ? 0.35f + 0.65f * NoiseCell(x, y, 161) : 0.0f;
             Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), Bright - 0.030f * Cool,
-                              Bright - 0.010f * Cool, Bright + 0.012f * Cool, Glint);
+                              Bright - 0.010f * Cool, Bright + 0.012f * Cool);
         }
     }
     return Picture.SavePng(File);
@@ -114,10 +120,10 @@ bool SaveRock(const CField& Field, const char* File) {
             const float Band = NoiseFbmTiled(u * 2, v * 14, 2, 14, 3, 250);
             const float Lichen = SmoothStep(0.18f, 0.42f, NoiseFbmTiled(u * 9, v * 9, 9, 9, 4, 260));
             const float Grit = NoiseCell(x, y, 270) - 0.5f;
-            const float Bright = 0.20f + 0.34f * Hollow + 0.16f * Band + 0.05f * Grit;
-            Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), Bright * (1.02f + 0.16f * Band),
-                              Bright * (0.97f + 0.02f * Band) + 0.015f * Lichen,
-                              Bright * (0.95f - 0.10f * Band) - 0.035f * Lichen, Hollow);
+            const float Bright = 0.17f + 0.36f * Hollow + 0.16f * Band + 0.05f * Grit;
+            Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), Bright * (1.02f + 0.20f * Band),
+                              Bright * (0.99f + 0.04f * Band) + 0.010f * Lichen,
+                              Bright * (1.01f - 0.10f * Band) - 0.025f * Lichen, Hollow);
         }
     }
     return Picture.SavePng(File);
@@ -129,7 +135,7 @@ bool MakeGround(const char* Name, const char* File) {
     const bool Snow = std::strncmp(Name, "Snow", 4) == 0;
     const CField Field(Snow ? SnowRelief : RockRelief);
     if (std::strstr(Name, "Normal")) {
-        return SaveNormals(Field, Snow ? 5.5f : 7.0f, File);
+        return SaveNormals(Field, Snow ? 5.5f : 7.0f, Snow, File);
     }
     return Snow ? SaveSnow(Field, File) : SaveRock(Field, File);
 }

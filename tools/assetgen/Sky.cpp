@@ -42,12 +42,12 @@ constexpr SSkyParams SKIES[] = {
      .SunPitch = 1.0821f,
      .Zenith = {0.13f, 0.33f, 0.66f},
      .Middle = {0.40f, 0.62f, 0.88f},
-     .Horizon = {0.78f, 0.87f, 0.95f},
-     .Fog = {0.78f, 0.85f, 0.93f},
+     .Horizon = {0.72f, 0.83f, 0.94f},
+     .Fog = {0.70f, 0.79f, 0.90f},
      .Sun = {1.0f, 0.92f, 0.78f},
      .Shade = {0.42f, 0.53f, 0.74f},
      .Clouds = 0.55f,
-     .Peaks = 2.5f},
+     .Peaks = 5.2f},
 };
 
 Vec3 MixColour(const Vec3& A, const Vec3& B, float Part) {
@@ -79,7 +79,7 @@ public:
     Vec3 WithGlow(const Vec3& Colour, const Vec3& Dir, float Strength) const {
         const float Facing = std::max(Dot(Dir, ToSun), 0.0f);
         const float Glow =
-            0.26f * std::pow(Facing, 5.0f) + 0.30f * std::pow(Facing, 40.0f) + 0.40f * std::pow(Facing, 600.0f);
+            0.16f * std::pow(Facing, 6.0f) + 0.20f * std::pow(Facing, 60.0f) + 0.40f * std::pow(Facing, 600.0f);
         const Vec3 Light = {Params.Sun.x * Glow, Params.Sun.y * Glow * 0.93f, Params.Sun.z * Glow * 0.82f};
         return Colour + Light * Strength;
     }
@@ -117,10 +117,10 @@ public:
     explicit CRange(const CAir& Air) : Air(Air), Seed(Air.Params.Seed) {}
 
     float Height(float x, float y, INT32 Octaves) const {
-        const float Massif = 0.62f + 0.75f * NoiseFbm(x * 0.045f, y * 0.045f, 2, Seed + 400);
-        const float Crest = NoiseRidged(x * 0.115f, y * 0.115f, Octaves, Seed + 410);
-        const float Far = SmoothStep(3.0f, 15.0f, std::sqrt(x * x + y * y));
-        const float Top = Air.Params.Peaks * (0.38f + 0.92f * Far);
+        const float Massif = 0.62f + 0.75f * NoiseFbm(x * 0.03f, y * 0.03f, 2, Seed + 400);
+        const float Crest = NoiseRidged(x * 0.075f, y * 0.075f, Octaves, Seed + 410);
+        const float Far = SmoothStep(8.0f, 18.0f, std::sqrt(x * x + y * y));
+        const float Top = Air.Params.Peaks * Far;
         return FLOOR + (Top - FLOOR) * Crest * (0.45f + 0.75f * Clamp01(Massif));
     }
 
@@ -134,8 +134,8 @@ public:
 
         const float Rough = NoiseFbm(x * 5.0f, y * 5.0f, 3, Seed + 420);
         const float Steep = SmoothStep(0.80f, 0.58f, Normal.z + 0.16f * Rough);
-        const float Wood = SmoothStep(-0.20f, -0.62f, z + 0.35f * Rough) * SmoothStep(0.55f, 0.8f, Normal.z);
-        Vec3 Ground = MixColour({0.97f, 0.97f, 0.97f}, {0.33f, 0.32f, 0.33f}, Steep);
+        const float Wood = SmoothStep(-0.10f, -0.75f, z + 0.5f * Rough) * SmoothStep(0.55f, 0.8f, Normal.z);
+        Vec3 Ground = MixColour({0.97f, 0.97f, 0.97f}, {0.40f, 0.39f, 0.40f}, Steep);
         Ground = MixColour(Ground, {0.22f, 0.30f, 0.29f}, 0.85f * Wood);
 
         const float Facing = Clamp01(Dot(Normal, Air.ToSun) * 1.5f);
@@ -165,15 +165,15 @@ private:
     Vec3 Hazed(const Vec3& Colour, float x, float y, float z, float Distance) const {
         const Vec3 Dir = {x / Distance, y / Distance, z / Distance};
         const Vec3 Blue = MixColour(Air.Params.Horizon, Air.Params.Middle, 0.55f);
-        const float Thick = 1.0f - std::exp(-Distance / 26.0f);
+        const float Thick = 1.0f - std::exp(-Distance / 22.0f);
         Vec3 Seen = MixColour(Colour, Air.WithGlow(Blue, Dir, 0.8f), Thick);
         const float Wave = 0.22f * NoiseFbm(x * 0.25f, y * 0.25f, 3, Seed + 430);
         const float Mist = SmoothStep(MIST_TOP + 0.55f, MIST_TOP - 0.25f, z + Wave);
         return MixColour(Seen, Air.WithGlow(Air.Params.Fog, Dir, 0.35f), Mist);
     }
 
-    static constexpr float FLOOR = -1.5f;
-    static constexpr float MIST_TOP = -0.45f;
+    static constexpr float FLOOR = -2.2f;
+    static constexpr float MIST_TOP = -0.70f;
     static constexpr INT32 FULL_DETAIL = 8;
     static constexpr INT32 COARSE_DETAIL = 4;
 
@@ -192,7 +192,7 @@ public:
         Top = 0;
         const float Cos = std::cos(Angle);
         const float Sin = std::sin(Angle);
-        for (float Distance = 2.2f; Distance < 46.0f; Distance *= 1.0065f) {
+        for (float Distance = 8.0f; Distance < 60.0f; Distance *= 1.005f) {
             const float x = Distance * Cos;
             const float y = Distance * Sin;
             const float z = Range.Height(x, y, 8);

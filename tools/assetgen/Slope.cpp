@@ -33,12 +33,12 @@ struct SSlopeParams {
 constexpr SSlopeParams SLOPES[] = {
     {.Name = "Slope1",
      .Seed = 11,
-     .RiseRate = 0.78f,
+     .RiseRate = 0.72f,
      .StartRow = 246,
-     .HalfWidth = 17,
+     .HalfWidth = 13,
      .Meander = 20,
      .Turns = 2.6f,
-     .CrestHeight = 88,
+     .CrestHeight = 92,
      .Cliffs = 0.8f,
      .Knobs = 46},
 };
@@ -52,6 +52,11 @@ struct SRoller {
 // Two that keep the mean and two that lie flat, for a ride whose mean is below one level a row.
 constexpr SRoller FULL_ROLLERS[] = {{4, {0, 0, 2, 2}}, {6, {0, 1, 0, 2, 1, 2}}};
 constexpr SRoller FLAT_ROLLERS[] = {{4, {0, 0, 0, 0}}, {7, {0, 0, 0, 0, 0, 1, 2}}};
+
+// The banks curve up from one level a sample to the flanks' even slope.
+constexpr float BANK_CURVE = 0.06f;
+constexpr float BANK_WIDTH = 11.0f; // samples
+constexpr float FLANK_SLOPE = 1.0f + 2.0f * BANK_CURVE * BANK_WIDTH;
 
 constexpr float KNOB_RADIUS = 3.0f;   // samples across the slope
 constexpr float SAMPLE_ASPECT = 2.5f; // a row is that many times as long as a column is wide
@@ -133,7 +138,8 @@ private:
         const float Crest =
             std::min(Params.CrestHeight * (1.0f + 0.9f * Wave), static_cast<float>(TOP_LEVEL - 6 - Ride[Row]));
 
-        const float Bank = Out + 0.021f * Out * Out;
+        const float Bank =
+            Out < BANK_WIDTH ? Out + BANK_CURVE * Out * Out : FLANK_SLOPE * Out - BANK_CURVE * BANK_WIDTH * BANK_WIDTH;
         float Rise = Crest * Ridge(Bank / Crest);
         Rise += Away * 13.0f * (NoiseRidged(x * 0.021f, y * 0.021f, 4, Params.Seed + 30) - 0.45f);
         Rise = Broken(Rise, x, y, Away);
@@ -145,12 +151,12 @@ private:
 
     // Cuts the flank into cliffs and ledges where the rock is hard.
     float Broken(float Rise, float x, float y, float Away) const {
-        constexpr float BAND = 17.0f; // levels from cliff to cliff
-        const float Hard = SmoothStep(0.02f, 0.28f, NoiseFbm(x * 0.03f, y * 0.02f, 3, Params.Seed + 40));
+        constexpr float BAND = 30.0f; // levels from cliff to cliff
+        const float Hard = SmoothStep(-0.08f, 0.16f, NoiseFbm(x * 0.03f, y * 0.02f, 3, Params.Seed + 40));
         const float Shifted = Rise / BAND + 1.3f * NoiseFbm(x * 0.02f, y * 0.02f, 2, Params.Seed + 50);
         const float Whole = std::floor(Shifted);
         const float Part = Shifted - Whole;
-        const float Cut = (SmoothStep(0.30f, 0.62f, Part) - Part) * BAND;
+        const float Cut = (SmoothStep(0.34f, 0.60f, Part) - Part) * BAND;
         return Rise + Cut * Hard * Away * Params.Cliffs;
     }
 
