@@ -189,12 +189,14 @@ void GArray<T>::Insert(UINT32 At, const T& Value) {
 
 template <class T>
 void GArray<T>::Add(const T& Value) {
-    if (count == Capacity) {
-        InsertGrowing(count, Value);
+    // A copy of the count: the compiler must otherwise take it that the new element may have overwritten it.
+    const UINT32 End = count;
+    if (End == Capacity) {
+        InsertGrowing(End, Value);
         return;
     }
-    ::new (static_cast<void*>(Data + count)) T(Value);
-    ++count;
+    count = End + 1;
+    ::new (static_cast<void*>(Data + End)) T(Value);
 }
 
 template <class T>

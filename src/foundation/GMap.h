@@ -15,8 +15,6 @@
 #include "foundation/GList.h"
 #include "foundation/Types.h"
 
-#include <compare>
-#include <concepts>
 #include <new>
 
 template <class K, class V>
@@ -55,19 +53,23 @@ public:
     Node* root = nullptr;
 
 private:
+    struct InsertPath;
+    struct RemovePath;
+
     static constexpr UINT32 BLACK = 0;
     static constexpr UINT32 RED = 1;
     static constexpr int LEFT = 0;
     static constexpr int RIGHT = 1;
 
-    // How two keys stand to each other: one comparison where the type can tell at once.
-    static auto Compare(const K& A, const K& B) {
-        if constexpr (std::three_way_comparable<K>) {
-            return A <=> B;
+    // Texts and the like, which tell their order in one comparison.
+    static constexpr bool HAS_COMPARE = requires(const K& A, const K& B) { A.Compare(B); };
+
+    // Below 0, 0 or above 0 as A stands to B.
+    static int Compare(const K& A, const K& B) {
+        if constexpr (HAS_COMPARE) {
+            return A.Compare(B);
         } else {
-            return A == B  ? std::weak_ordering::equivalent
-                   : A > B ? std::weak_ordering::greater
-                           : std::weak_ordering::less;
+            return A == B ? 0 : A > B ? 1 : -1;
         }
     }
 
@@ -75,6 +77,7 @@ private:
     static Node* Make(const K& Key, const V& Value) {
         return new (std::nothrow) Node{Key, Value, RED, {nullptr, nullptr}};
     }
+    Node* FindByCompare(const K& Key) const;
     static Node* Rotate(Node* Top, int Direction);
     static Node* RotateTwice(Node* Top, int Direction);
     static void PushRedDown(Node** ParentLink, Node* At, int Last);
@@ -179,15 +182,36 @@ void GMap<K, V>::Clear() {
 
 template <class K, class V>
 typename GMap<K, V>::Node* GMap<K, V>::Find(const K& Key) const {
+    if constexpr (HAS_COMPARE) {
+        return FindByCompare(Key);
+    }
+    // The last node that is not greater than the key, chosen without a branch on the order: which way a walk turns
+    // can't be predicted, and a wrong guess at each level costs more than going to the bottom.
+    Node* At = root;
+    Node* Last = nullptr;
+    while (At) {
+        const bool IsGreater = At->key > Key;
+        Last = IsGreater ? Last : At;
+        At = At->child[IsGreater ? LEFT : RIGHT];
+    }
+    return Last && Last->key == Key ? Last : nullptr;
+}
+
+// A comparison takes so long that a guess of its outcome, right half of the time, is better than waiting for it.
+template <class K, class V>
+typename GMap<K, V>::Node* GMap<K, V>::FindByCompare(const K& Key) const {
     Node* At = root;
     while (At) {
-        const auto Order = Compare(At->key, Key);
-        if (Order == 0) {
-            return At;
+        const int Order = Compare(At->key, Key);
+        if (Order > 0) [[likely]] {
+            At = At->child[LEFT];
+        } else if (Order < 0) {
+            At = At->child[RIGHT];
+        } else {
+            break;
         }
-        At = At->child[Order > 0 ? LEFT : RIGHT];
     }
-    return nullptr;
+    return At;
 }
 
 template <class K, class V>
@@ -218,51 +242,77 @@ typename GMap<K, V>::Node* GMap<K, V>::RotateTwice(Node* Top, int Direction) {
     return Rotate(Top, Direction);
 }
 
+// Where the inserting walk stands: the links to a node, to its parent and to its grandparent, null above the root.
+template <class K, class V>
+struct GMap<K, V>::InsertPath {
+    Node** GrandLink;
+    Node** ParentLink;
+    Node** Link;
+    int Before; // direction from the grandparent to the parent
+    int Last;   // direction from the parent to the node
+
+    void Enter(Node* At, int Direction) {
+        Before = Last;
+        Last = Direction;
+        GrandLink = ParentLink;
+        ParentLink = Link;
+        Link = &At->child[Direction];
+    }
+
+    // Called when the node became red. A red parent is never the root, so there is a grandparent then. Afterwards the
+    // parent, or in the second case the node itself, hangs where the grandparent hung.
+    void RepairRedPair() {
+        if (!ParentLink || (*ParentLink)->colour == BLACK) {
+            return;
+        }
+        if (Before == Last) {
+            *GrandLink = Rotate(*GrandLink, !Before);
+            ParentLink = GrandLink;
+        } else {
+            *GrandLink = RotateTwice(*GrandLink, !Before);
+            Link = GrandLink;
+        }
+    }
+};
+
 // One pass: colours are flipped and red pairs repaired on the way down, so that nothing is left to mend on the way up.
 // A pointer to the link that holds a node stands for the node, so a link to the root serves as the false root above it.
 template <class K, class V>
 typename GMap<K, V>::Node* GMap<K, V>::Insert(const K& Key, const V& Value) {
-    Node** GrandLink = nullptr;
-    Node** ParentLink = nullptr;
-    Node** Link = &root;
-    int Before = LEFT; // direction from grandparent to parent
-    int Last = LEFT;   // direction from parent to the present node
+    if (!root) {
+        root = Make(Key, Value);
+        GCHECK(root, "root");
+        root->colour = BLACK;
+        return root;
+    }
+    InsertPath Path = {nullptr, nullptr, &root, LEFT, LEFT};
+    Node* At = root;
     for (;;) {
-        Node* At = *Link;
-        if (!At) {
-            At = *Link = Make(Key, Value);
-            if (!At) {
-                GCHECK(root, "root");
-                root->colour = BLACK;
-                return nullptr;
-            }
-        } else if (IsRed(At->child[LEFT]) && IsRed(At->child[RIGHT])) {
+        if (IsRed(At->child[LEFT]) && IsRed(At->child[RIGHT])) {
             At->colour = RED;
             At->child[LEFT]->colour = BLACK;
             At->child[RIGHT]->colour = BLACK;
+            Path.RepairRedPair();
         }
-        if (At->colour == RED && ParentLink && (*ParentLink)->colour == RED) {
-            // A red parent is never the root, so there is a grandparent. Afterwards the parent, or in the second case
-            // the node itself, hangs where the grandparent hung.
-            if (Before == Last) {
-                *GrandLink = Rotate(*GrandLink, !Before);
-                ParentLink = GrandLink;
-            } else {
-                *GrandLink = RotateTwice(*GrandLink, !Before);
-                Link = GrandLink;
+        const int Order = Compare(At->key, Key);
+        if (Order > 0) [[likely]] {
+            Path.Enter(At, LEFT);
+        } else if (Order < 0) {
+            Path.Enter(At, RIGHT);
+        } else {
+            break;
+        }
+        At = *Path.Link;
+        if (!At) {
+            At = *Path.Link = Make(Key, Value);
+            if (At) {
+                Path.RepairRedPair();
             }
+            break;
         }
-        const auto Order = Compare(At->key, Key);
-        if (Order == 0) {
-            root->colour = BLACK;
-            return At;
-        }
-        Before = Last;
-        Last = Order > 0 ? LEFT : RIGHT;
-        GrandLink = ParentLink;
-        ParentLink = Link;
-        Link = &At->child[Last];
     }
+    root->colour = BLACK;
+    return At;
 }
 
 // Makes the black node At, whose children are black, red before the walk enters it, by the help of its sibling.
@@ -287,21 +337,16 @@ void GMap<K, V>::PushRedDown(Node** ParentLink, Node* At, int Last) {
     At->colour = RED;
 }
 
-// One pass that pushes a red node down before it, so that the node cut out at the bottom is red and its going leaves
-// the black heights alone. The entry with the key is overwritten by its neighbour in order, whose node goes instead.
+// Where the removing walk stands: a node and the link to its parent, null at the root. Enter goes to a child, but makes
+// the node red before unless it or that child is red.
 template <class K, class V>
-UINT32 GMap<K, V>::Remove(const K& Key) {
-    Node** ParentLink = nullptr;
-    Node** Link = &root;
-    Node* Found = nullptr;
-    Node* Bottom = nullptr;
-    int Last = RIGHT;
-    while (Node* At = *Link) {
-        const auto Order = Compare(At->key, Key);
-        if (Order == 0) {
-            Found = At;
-        }
-        const int Direction = Order > 0 || Order == 0 ? LEFT : RIGHT;
+struct GMap<K, V>::RemovePath {
+    Node** ParentLink;
+    Node** Link;
+    int Last; // direction from the parent to the node
+
+    void Enter(int Direction) {
+        Node* At = *Link;
         if (!IsRed(At) && !IsRed(At->child[Direction])) {
             if (IsRed(At->child[!Direction])) {
                 *Link = Rotate(At, Direction);
@@ -310,17 +355,39 @@ UINT32 GMap<K, V>::Remove(const K& Key) {
                 PushRedDown(ParentLink, At, Last);
             }
         }
-        Bottom = At;
         Last = Direction;
         ParentLink = Link;
         Link = &At->child[Direction];
     }
+};
+
+// One pass that pushes a red node down before it, so that the node cut out at the bottom is red and its going leaves
+// the black heights alone. The entry with the key is overwritten by its neighbour in order, whose node goes instead.
+template <class K, class V>
+UINT32 GMap<K, V>::Remove(const K& Key) {
+    RemovePath Path = {nullptr, &root, RIGHT};
+    Node* Found = nullptr;
+    while (*Path.Link && !Found) {
+        Node* At = *Path.Link;
+        const int Order = Compare(At->key, Key);
+        if (Order < 0) [[likely]] {
+            Path.Enter(RIGHT);
+        } else {
+            Found = Order == 0 ? At : nullptr;
+            Path.Enter(LEFT);
+        }
+    }
+    // To the neighbour: all keys below are smaller than the one that goes.
+    while (*Path.Link) {
+        Path.Enter(RIGHT);
+    }
     if (Found) {
+        Node* Bottom = *Path.ParentLink;
         if (Found != Bottom) {
             Found->key = Bottom->key;
             Found->value = Bottom->value;
         }
-        *ParentLink = Bottom->child[Bottom->child[LEFT] ? LEFT : RIGHT];
+        *Path.ParentLink = Bottom->child[Bottom->child[LEFT] ? LEFT : RIGHT];
         delete Bottom;
     }
     if (root) {

@@ -1,34 +1,49 @@
 #include "foundation/GString.h"
 
 #include <cstdarg>
-#include <cstdint>
 #include <cstdio>
 #include <memory>
 
-void GString::Reserve(UINT32 Bytes) {
-    if (Capacity >= Bytes) {
-        return;
-    }
-    const UINT32 Wanted = Bytes > count ? Bytes : count + 1;
+// Moves the text to a heap buffer of at least Wanted bytes. The result is the old heap buffer or null; the caller frees
+// it when it is done with arguments that may point into it.
+char* GString::Enlarge(UINT32 Wanted) {
     const UINT32 NewCapacity = Wanted > Capacity * 2 ? Wanted : Capacity * 2;
     char* Buffer = new char[NewCapacity];
     std::memcpy(Buffer, Cur, count);
     Buffer[count] = 0;
-    delete[] Data;
+    char* Old = Data;
     Data = Cur = Buffer;
     Capacity = NewCapacity;
+    return Old;
 }
 
-void GString::Append(const char* Text, UINT32 Bytes) {
-    // Text may be part of the buffer that MakeRoom gives back: then it is found again by its distance from the start.
-    const std::uintptr_t Offset = reinterpret_cast<std::uintptr_t>(Text) - reinterpret_cast<std::uintptr_t>(Cur);
-    const bool IsOwnText = Offset <= count;
-    MakeRoom(count + Bytes);
-    if (Bytes > 0) {
-        std::memmove(Cur + count, IsOwnText ? Cur + Offset : Text, Bytes);
+void GString::Reserve(UINT32 Bytes) {
+    if (Capacity < Bytes) {
+        delete[] Enlarge(Bytes > count ? Bytes : count + 1);
     }
+}
+
+void GString::MakeRoom(UINT32 Characters) {
+    if (Characters >= Room()) {
+        Reserve(Characters + 1);
+    }
+}
+
+void GString::AssignGrowing(const char* Text, UINT32 Bytes) {
+    count = 0;
+    char* Old = Enlarge(Bytes + 1);
+    std::memcpy(Data, Text, Bytes);
+    Data[Bytes] = 0;
+    count = Bytes;
+    delete[] Old;
+}
+
+void GString::AppendGrowing(const char* Text, UINT32 Bytes) {
+    char* Old = Enlarge(count + Bytes + 1);
+    std::memcpy(Data + count, Text, Bytes);
     count += Bytes;
-    Cur[count] = 0;
+    Data[count] = 0;
+    delete[] Old;
 }
 
 void GString::Format(UINT32 MaxLength, const char* Format, ...) {
