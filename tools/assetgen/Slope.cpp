@@ -40,7 +40,7 @@ constexpr SSlopeParams SLOPES[] = {
      .Turns = 2.6f,
      .CrestHeight = 92,
      .Cliffs = 0.8f,
-     .Knobs = 46},
+     .Knobs = 30},
 };
 
 // A stretch of the ride that is not even, as levels to climb in each of its rows.
@@ -58,7 +58,7 @@ constexpr float BANK_CURVE = 0.06f;
 constexpr float BANK_WIDTH = 11.0f; // samples
 constexpr float FLANK_SLOPE = 1.0f + 2.0f * BANK_CURVE * BANK_WIDTH;
 
-constexpr float KNOB_RADIUS = 3.0f;   // samples across the slope
+constexpr float KNOB_RADIUS = 6.5f;   // samples across the slope
 constexpr float SAMPLE_ASPECT = 2.5f; // a row is that many times as long as a column is wide
 
 struct SKnob {
@@ -165,10 +165,10 @@ private:
             SKnob New;
             New.Row = 4.0f + NoiseCell(i, 1, Params.Seed + 60) * (SAMPLES - 8);
             const float Side = (NoiseHash(i, 2, Params.Seed + 60) & 1) ? 1.0f : -1.0f;
-            const float Away = Params.HalfWidth * 1.3f + 5.0f + 26.0f * NoiseCell(i, 3, Params.Seed + 60);
+            const float Away = Params.HalfWidth * 1.35f + 9.0f + 24.0f * NoiseCell(i, 3, Params.Seed + 60);
             New.Column = Centre(New.Row) + Side * Away;
             New.Radius = KNOB_RADIUS * (0.8f + 0.9f * NoiseCell(i, 4, Params.Seed + 60));
-            New.Height = New.Radius * (3.0f + 3.5f * NoiseCell(i, 5, Params.Seed + 60));
+            New.Height = New.Radius * (1.9f + 1.6f * NoiseCell(i, 5, Params.Seed + 60));
             Knobs.Add(New);
         }
     }
@@ -179,7 +179,7 @@ private:
             const float dx = Column - One.Column;
             const float dy = (Row - One.Row) * SAMPLE_ASPECT;
             const float Far = std::sqrt(dx * dx + dy * dy) / One.Radius;
-            const float Edge = 1.0f + 0.5f * NoiseGradient(Column * 0.35f, Row * 0.8f, Params.Seed + 70);
+            const float Edge = 1.0f + 0.4f * NoiseGradient(Column * 0.2f, Row * 0.5f, Params.Seed + 70);
             Highest = std::max(Highest, One.Height * (1.0f - SmoothStep(0.35f, 1.25f, Far * Edge)));
         }
         return Highest;
