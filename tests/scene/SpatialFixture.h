@@ -5,11 +5,13 @@
 #include "scene/LightClient.h"
 #include "scene/Renderable.h"
 
+#include <cmath>
 #include <deque>
 #include <gtest/gtest.h>
 #include <random>
-#include <set>
 #include <vector>
+
+using Visits = std::vector<const SSpatialClient*>;
 
 // Answers ray tests with what the test put in, and notes that it was asked.
 class CTestMesh : public IRenderable {
@@ -21,61 +23,54 @@ public:
     void GetBounds(::BBox* Out) override { *Out = BBox; }
     UINT32 GetWorldMatrices(Mat4*) override { return 0; }
     bool TraceRay(const Ray&, float* HitDistance, UINT32) override {
-        if (Asked) {
-            Asked->push_back(this);
-        }
+        Asked.push_back(this);
         *HitDistance = Answer;
         return Answer >= 0;
     }
 
-    std::vector<const SSpatialClient*>* Asked = nullptr;
+    static inline Visits Asked;
     float Answer = -1; // below 0 is a miss
 };
 
-using ClientSet = std::set<const SSpatialClient*>;
+inline bool Touch(const BBox& A, const BBox& B) {
+    return A.Min.x <= B.Max.x && B.Min.x <= A.Max.x && A.Min.y <= B.Max.y && B.Min.y <= A.Max.y && A.Min.z <= B.Max.z &&
+           B.Min.z <= A.Max.z;
+}
 
 class SpatialFixture : public ::testing::Test {
 protected:
     static constexpr int HALF = 128;
     static constexpr int CELLS = 64;
-    static constexpr int CELL_SIZE = 2 * HALF / CELLS;
-    static constexpr float FHALF = HALF;
+    const BBox BOX = {{-HALF, -HALF, -HALF}, {HALF, HALF, HALF}};
 
-    SpatialFixture() { Grid.Init({{-FHALF, -FHALF, -FHALF}, {FHALF, FHALF, FHALF}}, {CELLS, CELLS, CELLS}); }
+    SpatialFixture() { Grid.Init(BOX, {CELLS, CELLS, CELLS}); }
 
-    template <class CLIENT>
-    CLIENT& Enter(std::deque<CLIENT>& Store, const BBox& Box) {
-        CLIENT& Added = Store.emplace_back();
-        Added.BBox = Box;
-        AddClient(&Grid, &Added);
-        return Added;
+    CTestMesh& AddMesh(const BBox& Box) {
+        Meshes.emplace_back().BBox = Box;
+        AddClient(&Grid, &Meshes.back());
+        return Meshes.back();
     }
-    CTestMesh& AddMesh(const BBox& Box) { return Enter(Meshes, Box); }
 
     int Random(int Low, int High) { return std::uniform_int_distribution<int>(Low, High)(Engine); }
     float RandomFloat(float Low, float High) { return std::uniform_real_distribution<float>(Low, High)(Engine); }
+    Vec3 RandomPoint(float Reach) {
+        return {RandomFloat(-Reach, Reach), RandomFloat(-Reach, Reach), RandomFloat(-Reach, Reach)};
+    }
 
     // Mostly small; some flat, some huge, some partly or wholly outside the grid.
     BBox RandomBox() {
         BBox Box;
         const int Largest = Random(0, 9) == 0 ? 300 : 24;
         for (int Axis = 0; Axis < 3; ++Axis) {
-            const int Low = Random(-HALF - 20, HALF);
-            Box.Min[Axis] = static_cast<float>(Low);
-            Box.Max[Axis] = static_cast<float>(Low + Random(0, Largest));
+            Box.Min[Axis] = static_cast<float>(Random(-HALF - 20, HALF));
+            Box.Max[Axis] = Box.Min[Axis] + static_cast<float>(Random(0, Largest));
         }
         return Box;
     }
 
-    // Clients first: they outlive the grid's lists.
-    std::deque<CTestMesh> Meshes;
-    std::deque<SLightClient> Lights;
-    std::deque<SSpatialClient> Others;
+    std::deque<CTestMesh> Meshes; // outlive the grid's lists, as do the two others
+    SLightClient Light;
+    SSpatialClient Other;
     SSpatialGrid Grid;
     std::mt19937 Engine{20};
 };
-
-template <class CLIENT>
-ClientSet SetOf(const GArray<CLIENT*>& Found) {
-    return ClientSet(Found.begin(), Found.end());
-}
