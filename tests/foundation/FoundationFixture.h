@@ -56,11 +56,8 @@ public:
     int Whole(int Low, int High) { return std::uniform_int_distribution<int>(Low, High)(Engine); }
     Vec3 Point(float Reach) { return {Between(-Reach, Reach), Between(-Reach, Reach), Between(-Reach, Reach)}; }
     Vec3 Unit() {
-        Vec3 v;
-        do {
-            v = Point(1);
-        } while (M_Dot(v, v) > 1 || M_Dot(v, v) < 0.01f);
-        return M_Normalized(v);
+        const Vec3 v = Point(1);
+        return M_Dot(v, v) > 1 || M_Dot(v, v) < 0.01f ? Unit() : M_Normalized(v);
     }
     Quat Rotation() {
         Quat q = {Between(-1, 1), Between(-1, 1), Between(-1, 1), Between(0.1f, 1)};

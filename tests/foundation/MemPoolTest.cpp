@@ -2,107 +2,63 @@
 
 #include "foundation/MemPool.h"
 
-#include <cstdlib>
 #include <cstring>
 
 namespace {
-
-const std::string HEAD = "Dumping memory leaks...\n";
 
 // A pool that the test cuts into blocks by hand, as code that tracks its memory would.
 class MemPool : public testing::Test {
 protected:
     ~MemPool() override { MemPoolFree(Pool); }
 
-    char* Bytes() { return reinterpret_cast<char*>(Pool->Base); }
+    UINT8* Bytes() { return reinterpret_cast<UINT8*>(Pool->Base); }
 
-    UINT32 WordAt(UINT32 Offset) {
-        UINT32 Word;
-        std::memcpy(&Word, Bytes() + Offset, 4);
-        return Word;
-    }
-    void SetWordAt(UINT32 Offset, UINT32 Word) { std::memcpy(Bytes() + Offset, &Word, 4); }
-
-    // Cuts the front of the block at Offset off as a used one that holds Data; the result is the place of the free
-    // rest.
-    UINT32 Use(UINT32 Offset, const std::string& Data) {
-        const UINT32 Size = static_cast<UINT32>(Data.size());
-        const UINT32 Rest = Offset + 8 + Size;
-        SetWordAt(Rest, WordAt(Offset) - Size - 8);
-        SetWordAt(Rest + 4, 0);
-        SetWordAt(Offset, Size | MEM_BLOCK_USED);
-        std::memcpy(Bytes() + Offset + 8, Data.data(), Size);
-        Pool->LastBlock = reinterpret_cast<SMemBlock*>(Bytes() + Rest);
-        return Rest;
+    // Writes a block and returns the place behind it. LastBlock is set to it.
+    UINT32 Put(UINT32 Offset, UINT32 SizeAndUse, const std::string& Data) {
+        const SMemBlock Header = {SizeAndUse, 0};
+        std::memcpy(Bytes() + Offset, &Header, 8);
+        std::memcpy(Bytes() + Offset + 8, Data.data(), Data.size());
+        Pool->LastBlock = reinterpret_cast<SMemBlock*>(Bytes() + Offset);
+        return Offset + 8 + static_cast<UINT32>(Data.size());
     }
 
-    std::string Address(UINT32 Offset) {
-        char Text[32];
-        std::snprintf(Text, sizeof(Text), "%llX", reinterpret_cast<unsigned long long>(Bytes() + Offset));
-        return Text;
+    // What a dump prints; Used is what it must return.
+    std::string Dump(int Used) {
+        return PrintedBy([&] { EXPECT_EQ(MemPoolDump(Pool), Used); });
+    }
+    std::string Line(int Number, UINT32 Size, UINT32 Offset, const std::string& Shown) {
+        char Text[128];
+        std::snprintf(Text, sizeof(Text), "Used block %d: %u bytes @ 0x%llX\ndata(<32): ", Number, Size,
+                      reinterpret_cast<unsigned long long>(Bytes() + Offset));
+        return Text + Shown + "\n";
     }
 
-    int Dump(std::string& Printed) {
-        int Count = -1;
-        Printed = PrintedBy([&] { Count = MemPoolDump(Pool); });
-        return Count;
-    }
-
+    const std::string HEAD = "Dumping memory leaks...\n";
     SMemPool* Pool = MemPoolCreate();
 };
 
 } // namespace
 
-TEST_F(MemPool, StartsAsOneFreeBlock) {
+TEST_F(MemPool, StartsAsOneFreeBlockOfTheWholeArena) {
     EXPECT_EQ(Pool->Size, 65536u);
     EXPECT_EQ(Pool->Base->SizeAndUse, 65528u);
-    EXPECT_EQ(Pool->Base->Reserved, 0u);
-    EXPECT_EQ(Pool->LastBlock, Pool->Base);
-    EXPECT_EQ(Pool->Rover, Pool->Base);
-    for (const UINT32 Word : Pool->Lists) {
-        EXPECT_EQ(Word, 0u);
-    }
-}
-
-TEST_F(MemPool, DumpOfAnUnusedPoolIsTheHeadLineOnly) {
-    std::string Printed;
-    EXPECT_EQ(Dump(Printed), 0);
-    EXPECT_EQ(Printed, HEAD);
-}
-
-TEST_F(MemPool, DumpTellsUsedBlocksAndTheirFirst32Bytes) {
-    const std::string Long = "0123456789abcdefghijklmnopqrstuvwxyz";
-    const UINT32 Second = Use(0, "seven b");
-    Use(Use(Second, "freed again"), Long);
-    SetWordAt(Second, WordAt(Second) & ~MEM_BLOCK_USED);
-    std::string Printed;
-    EXPECT_EQ(Dump(Printed), 2);
-    EXPECT_EQ(Printed, HEAD + "Used block 1: 7 bytes @ 0x" + Address(8) + "\ndata(<32): seven b\n" +
-                           "Used block 2: 36 bytes @ 0x" + Address(15 + 19 + 8) + "\ndata(<32): " + Long.substr(0, 32) +
-                           "\n");
-}
-
-TEST_F(MemPool, DumpIncludesTheLastBlock) {
-    Pool->Base->SizeAndUse |= MEM_BLOCK_USED;
-    std::memset(Pool->Base + 1, '.', 65528);
-    std::string Printed;
-    EXPECT_EQ(Dump(Printed), 1);
-    EXPECT_EQ(Printed,
-              HEAD + "Used block 1: 65528 bytes @ 0x" + Address(8) + "\ndata(<32): " + std::string(32, '.') + "\n");
-}
-
-TEST_F(MemPool, DumpStopsAtADamagedHeader) {
-    const UINT32 Second = Use(0, "good");
-    Use(Second, "bad");
-    std::string Printed;
-    // The second header stands behind 12 bytes, so 65516 would just fit.
-    for (const UINT32 Size : {0x7FFFFFFFu, 65536u, 65517u}) {
-        SetWordAt(Second, Size | MEM_BLOCK_USED);
-        EXPECT_EQ(Dump(Printed), 1) << Size;
-    }
-}
-
-TEST_F(MemPool, WithoutAnArenaThereIsNothingToDump) {
-    SMemPool Empty = {};
+    EXPECT_TRUE(Pool->LastBlock == Pool->Base && Pool->Rover == Pool->Base);
+    EXPECT_EQ(Dump(0), HEAD);
+    Put(0, 65528 | MEM_BLOCK_USED, std::string(65528, '.'));
+    EXPECT_EQ(Dump(1), HEAD + Line(1, 65528, 8, std::string(32, '.')));
+    const SMemPool Empty = {};
     EXPECT_EQ(PrintedBy([&] { EXPECT_EQ(MemPoolDump(&Empty), 0); }), HEAD);
+}
+
+TEST_F(MemPool, DumpTellsUsedBlocksAndTheirFirst32BytesUpToADamagedHeader) {
+    const std::string Long = "0123456789abcdefghijklmnopqrstuvwxyz";
+    const UINT32 Third = Put(Put(0, 7 | MEM_BLOCK_USED, "seven b"), 11, "freed again");
+    const UINT32 Fourth = Put(Third, 36 | MEM_BLOCK_USED, Long);
+    const std::string Expected = HEAD + Line(1, 7, 8, "seven b") + Line(2, 36, Third + 8, Long.substr(0, 32));
+    EXPECT_EQ(Dump(2), Expected);
+    // One more byte than there is behind the fourth header, and more.
+    for (const UINT32 Size : {65536 - Fourth - 7, 65536u, 0x7FFFFFFFu}) {
+        Put(Fourth, Size | MEM_BLOCK_USED, "bad");
+        EXPECT_EQ(Dump(2), Expected) << Size;
+    }
 }
