@@ -34,6 +34,13 @@ foreach(asset IN LISTS assets)
 endforeach()
 
 add_custom_target(data ALL DEPENDS ${data_files})
+
+# For the tests of what ships: where it is, and who made it.
+add_library(assets INTERFACE)
+target_link_libraries(assets INTERFACE world)
+target_compile_definitions(assets INTERFACE
+  SLOPERUSH_GAME_DIR="${GAME_FOLDER}" SLOPERUSH_ASSETGEN="$<TARGET_FILE:assetgen>")
+
 if(TARGET sloperush)
   add_dependencies(sloperush data)
   install(TARGETS sloperush RUNTIME DESTINATION bin)
