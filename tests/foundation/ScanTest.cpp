@@ -34,10 +34,9 @@ struct SNumberRule {
     std::string Kind, Parts;
     bool Strict;
     TValue Bad;
-    TValue (*Convert)(const std::string&);
 
     SOutcome<TValue> Read(const std::string& Text, INT32 Pos) const {
-        const std::string Lost = "F_Read" + Kind + ": " + Kind + " not found";
+        const std::string Function = "F_Read" + Kind + ": ";
         const INT32 Length = static_cast<INT32>(Text.size());
         std::string Number;
         for (Pos = std::max(Pos, 0); Pos < Length; ++Pos) {
@@ -47,13 +46,13 @@ struct SNumberRule {
             } else if (!Number.empty() && (!Strict || std::strchr(" \n\t", c))) {
                 break;
             } else if (!std::strchr(" \n\t", c)) {
-                return {Bad, Pos, "F_Read" + Kind + ": Unexpected character found: " + c + "\n"};
+                return {Bad, Pos, Function + "Unexpected character found: " + c + "\n"};
             }
         }
         if (Number.empty()) {
-            return {Bad, Pos, Lost + (Pos > Length ? "\n" : ", reached end of string\n")};
+            return {Bad, Pos, Function + Kind + " not found" + (Pos > Length ? "\n" : ", reached end of string\n")};
         }
-        return {Convert(Number), Pos};
+        return {static_cast<TValue>(std::atof(Number.c_str())), Pos};
     }
 
     // Draws texts that are mostly numbers and blanks.
@@ -72,14 +71,6 @@ struct SNumberRule {
     }
 };
 
-float ToFloat(const std::string& Text) {
-    return std::strtof(Text.c_str(), nullptr);
-}
-
-INT32 ToInteger(const std::string& Text) {
-    return std::atoi(Text.c_str());
-}
-
 float ReadStrict(INT32& Pos, const GString& Text) {
     return F_ReadFloat(Pos, Text, true);
 }
@@ -95,9 +86,9 @@ GString ReadName(INT32& Pos, const GString& Text) {
 } // namespace
 
 TEST(Scan, NumbersFollowTheRuleOnRandomTexts) {
-    SNumberRule<float>{"Float", "0123456789.,-", true, 3.4028235e38f, ToFloat}.ExpectFrom(ReadStrict);
-    SNumberRule<float>{"Float", "0123456789.,-", false, 3.4028235e38f, ToFloat}.ExpectFrom(ReadLoose);
-    SNumberRule<INT32>{"Integer", "0123456789-", true, 0x7FFFFFFF, ToInteger}.ExpectFrom(F_ReadInteger);
+    SNumberRule<float>{"Float", "0123456789.,-", true, 3.4028235e38f}.ExpectFrom(ReadStrict);
+    SNumberRule<float>{"Float", "0123456789.,-", false, 3.4028235e38f}.ExpectFrom(ReadLoose);
+    SNumberRule<INT32>{"Integer", "0123456789-", true, 0x7FFFFFFF}.ExpectFrom(F_ReadInteger);
 }
 
 TEST(Scan, LongNumbersAndIntegersBeyond32BitsAreTheNearest) {
