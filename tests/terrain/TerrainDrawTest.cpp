@@ -13,7 +13,7 @@ class TerrainDrawTest : public TerrainGlFixture {
 protected:
     void SetUp() override {
         TerrainGlFixture::SetUp();
-        if (IsSkipped()) {
+        if (!Ready) {
             return;
         }
         WritePicture(257, 257);
