@@ -32,7 +32,8 @@ CFPSCameraEntity::CFPSCameraEntity(const GProperties& Props) : CEntity(Props) {
     }
     GWarpMouse = 1;
     Body = PhyAddCapsuleBody(BODY_RADIUS, 0, Position.x, Position.y, Position.z, true);
-    // Entering the world gave the body the world's own gravity, and the first physics step runs before the first update.
+    // Entering the world gave the body the world's own gravity, and the first physics step runs before the first
+    // update.
     Body->setGravity(btVector3(0, 0, 0));
 }
 

@@ -34,8 +34,8 @@ TEntityRegistration<CFPSCameraEntity> FPSCameraRegistration("FPSCamera");
 CLevel::CLevel() {
     InitDrawing();
     Grid = new SSpatialGrid;
-    GEditorBody = PhyAddCapsuleBody(EDITOR_BODY_RADIUS, 0, EDITOR_BODY_START.x, EDITOR_BODY_START.y,
-                                    EDITOR_BODY_START.z, true);
+    GEditorBody =
+        PhyAddCapsuleBody(EDITOR_BODY_RADIUS, 0, EDITOR_BODY_START.x, EDITOR_BODY_START.y, EDITOR_BODY_START.z, true);
     // Entering the world gave the body the world's own gravity; a camera hangs where it is put.
     GEditorBody->setGravity(btVector3(0, 0, 0));
 }

@@ -1,8 +1,8 @@
 // CLevel: the running level. There is one at a time, reached through GLevel; the game replaces it on every change.
 //
-// Life: construct (makes the render targets, so a GL context and a physics world must exist), LoadSourceLevel once, then
-// Update per fixed step and Render per picture, then delete. Build brings the level up in a fixed order (grid, sky,
-// terrain, entities in file order), so an entity's constructor finds ground to stand on and a grid to enter; the
+// Life: construct (makes the render targets, so a GL context and a physics world must exist), LoadSourceLevel once,
+// then Update per fixed step and Render per picture, then delete. Build brings the level up in a fixed order (grid,
+// sky, terrain, entities in file order), so an entity's constructor finds ground to stand on and a grid to enter; the
 // destructor takes the entities down first.
 // Ownership: the level owns its entities, terrain, grid and targets. Members are public for the code of world, game and
 // editor; the drawing operations are defined in scene/level/.

@@ -24,6 +24,6 @@ enum class ELevelText {
 ELevelText ReadLevelText(const GString& Text, SLevelParams& Params, GArray<SEntityDef>& Defs, GString& BadWord);
 
 // Appends the whole file's text to Out. Reading it again gives the same values but for the ambient colour and the ray
-// power, and writing those the same bytes. An empty terrain or sky file or property leaves its field out, since an empty
-// value would swallow the next field when it is read.
+// power, and writing those the same bytes. An empty terrain or sky file or property leaves its field out, since an
+// empty value would swallow the next field when it is read.
 void WriteLevelText(GString& Out, const SLevelParams& Params, const GArray<SEntityDef>& Defs);

@@ -12,7 +12,8 @@ constexpr float PI = 3.1415927f;
 // Side of the square that the shadow map covers round the eye, in world units.
 constexpr float SHADOW_VIEW_SIZE = 1000.0f;
 
-// The sun's pictures stand this far from the eye, in world units; being pinned to the far plane, only their angle counts.
+// The sun's pictures stand this far from the eye, in world units; being pinned to the far plane, only their angle
+// counts.
 constexpr float SUN_DISTANCE = 200.0f;
 constexpr float SUN_SIZE = 16.0f;    // half width
 constexpr float FLARE_SIZE = 128.0f; // half width
@@ -35,9 +36,9 @@ void CLevel::SetSunCamera() const {
     Vec3 ToSun = SunDirection();
     M_Normalize(ToSun);
     Vec3 Across;
-    M_QuatRotate(
-        GravityRotation(),
-        M_Spherical({Params.LightDir_Angle + PI / 2, Params.LightDir_Pitch + PI / 2, Params.LightIntensity}), Across);
+    M_QuatRotate(GravityRotation(),
+                 M_Spherical({Params.LightDir_Angle + PI / 2, Params.LightDir_Pitch + PI / 2, Params.LightIntensity}),
+                 Across);
     M_Normalize(Across);
 
     GCamera.Target = GCamera.Eye;
