@@ -1,142 +1,242 @@
 #include "graphics/ShaderLib.h"
 
+#include <GL/glew.h>
+#include <cmath>
 #include <unistd.h>
 
-#include "graphics/ShaderFixture.h"
+#include "support/GlFixture.h"
 
 namespace {
 
-constexpr const char* VARIANTS = "void main() {\n"
-                                 "    gl_FragColor = vec4(0.0, 0.0, 1.0, 1.0);\n"
-                                 "#ifdef L_AMBDIR\n"
-                                 "    gl_FragColor.r = 1.0;\n"
-                                 "#endif\n"
-                                 "#ifdef SKINNING\n"
-                                 "    gl_FragColor.g = 1.0;\n"
-                                 "#endif\n"
-                                 "}\n";
+using Floats = std::vector<float>;
 
-class ShaderLibTest : public ShaderFixture {
+constexpr const char* BLUE = "void main() { gl_FragColor = vec4(0.0, 0.0, 1.0, 1.0); }\n";
+constexpr const char* UNIFORMS =
+    "uniform int I; uniform float F1; uniform vec2 F2; uniform vec3 F3; uniform vec4 F4; uniform mat4 M, Array[2];\n"
+    "uniform mat4 WorldMatrix, SMMatrix; uniform sampler2D ShadowMap, ProjMap;\n"
+    "uniform vec2 FogData, LightTransDist; uniform vec4 LightPos, LightDir;\n"
+    "uniform vec3 FogColor, AmbientColor, LightColor;\n"
+    "void main() {\n"
+    "    gl_FragColor = vec4(float(I) + F1 + F2.x + F3.x + F4.x) + (M + Array[0] + Array[1]) * F4\n"
+    "        + texture2D(ShadowMap, SMMatrix[0].xy) + texture2D(ProjMap, WorldMatrix[1].xy) + LightPos + LightDir\n"
+    "        + vec4(FogColor + AmbientColor + LightColor, FogData.x + LightTransDist.x);\n"
+    "}\n";
+
+struct SSetter {
+    const char* Name;
+    std::size_t Count;
+    void (*Set)(const float* v, UINT32 Program);
+};
+const SSetter SETTERS[] = {
+    {"I", 1, [](const float* v, UINT32 Program) { ShaderSetUniform1i(static_cast<INT32>(*v), Program, "I"); }},
+    {"F1", 1, [](const float* v, UINT32 Program) { ShaderSetUniform1f(*v, Program, "F1"); }},
+    {"F2", 2, [](const float* v, UINT32 Program) { ShaderSetUniform2fv(v, Program, "F2"); }},
+    {"F3", 3, [](const float* v, UINT32 Program) { ShaderSetUniform3fv(v, Program, "F3"); }},
+    {"F4", 4, [](const float* v, UINT32 Program) { ShaderSetUniform4fv(v, Program, "F4"); }},
+    {"M", 16, [](const float* v, UINT32 Program) { ShaderSetUniformMatrices(v, Program, "M", 1); }},
+};
+
+class ShaderLibTest : public GlFixture {
 protected:
     void SetUp() override {
-        ShaderFixture::SetUp();
-        if (!IsSkipped()) {
-            WriteShaders("Quad", PLAIN_VERTEX, "Quad", VARIANTS);
+        GlFixture::SetUp();
+        if (Ready) {
+            ShaderLibInit();
+            WriteShaders("Quad", "void main() { gl_Position = gl_Vertex; }\n", "Quad", BLUE);
+            WriteShaders("All", "void main() { gl_Position = ProjectionMatrix * ViewMatrix * gl_Vertex; }\n", "All",
+                         UNIFORMS);
         }
     }
+    void TearDown() override {
+        if (GShaderLib) {
+            ShaderLibFree();
+        }
+        GlFixture::TearDown();
+    }
 
-    // Standard output seen on standard error, where death tests look: the log stands there once from each of the two.
-    static void RequestWithOutputOnStandardError(const char* PixelShader, const char* VertexShader) {
+    static UINT32 Use(const GString& PixelShader, const GString& VertexShader, std::vector<const char*> Macros = {}) {
+        GArray<const char*> List;
+        for (const char* Macro : Macros) {
+            List.Add(Macro);
+        }
+        const UINT32 Program = ShaderGetProgram(PixelShader, VertexShader, List);
+        glUseProgram(Program);
+        return Program;
+    }
+    static const SShaderProgram& Record(UINT32 Program) { return *GShaderLib->ProgramsById.at(Program); }
+
+    // With standard output on standard error, where death tests look.
+    static void UseAloud(const char* PixelShader) {
         dup2(STDERR_FILENO, STDOUT_FILENO);
-        ShaderGetProgram(PixelShader, VertexShader);
+        Use(PixelShader, "Quad");
+    }
+
+    static SRgb DrawnColor() {
+        glRectf(-1.0f, 1.0f, 1.0f, -1.0f);
+        return ReadWindow().At(100, 100);
+    }
+
+    static std::string Source(UINT32 Shader) {
+        char Text[1000] = {};
+        glGetShaderSource(Shader, sizeof(Text), nullptr, Text);
+        return Text;
+    }
+
+    static Floats Value(UINT32 Program, const char* Name, std::size_t Count) {
+        Floats v(16);
+        glGetUniformfv(Program, glGetUniformLocation(Program, Name), v.data());
+        v.resize(Count);
+        return v;
     }
 };
 
-TEST_F(ShaderLibTest, TheSameRequestGivesTheSameProgram) {
-    const UINT32 Program = ShaderGetProgram("Quad", "Quad", Macros({LIGHT_AMBDIR}));
-    EXPECT_NE(Program, 0u);
-    EXPECT_EQ(ShaderGetProgram("Quad", "Quad", Macros({LIGHT_AMBDIR})), Program);
-    EXPECT_EQ(GShaderLib->Programs.Size(), 1u);
-    EXPECT_EQ(GShaderLib->VertexShaders["QuadL_AMBDIR"].RefCount, 1);
-}
-
-TEST_F(ShaderLibTest, EachListOfMacrosIsItsOwnProgram) {
-    const UINT32 Plain = ShaderGetProgram("Quad", "Quad");
-    const UINT32 Lit = ShaderGetProgram("Quad", "Quad", Macros({LIGHT_AMBDIR}));
-    const UINT32 Both = ShaderGetProgram("Quad", "Quad", Macros({LIGHT_AMBDIR, "SKINNING"}));
-    EXPECT_EQ(DrawnColor(Plain), (SRgb{0, 0, 255}));
-    EXPECT_EQ(DrawnColor(Lit), (SRgb{255, 0, 255}));
-    EXPECT_EQ(DrawnColor(Both), (SRgb{255, 255, 255}));
-    EXPECT_NE(Record(Lit).VertexShader, Record(Both).VertexShader);
-    EXPECT_NE(Record(Lit).PixelShader, Record(Both).PixelShader);
-}
-
-TEST_F(ShaderLibTest, TheOrderOfTheMacrosIsPartOfTheRequest) {
-    EXPECT_NE(ShaderGetProgram("Quad", "Quad", Macros({"A", "B"})),
-              ShaderGetProgram("Quad", "Quad", Macros({"B", "A"})));
-}
-
-TEST_F(ShaderLibTest, ProgramsShareAVertexShader) {
-    WriteText("Data/Shaders/Other.psh", VARIANTS);
-    const UINT32 First = ShaderGetProgram("Quad", "Quad");
-    const UINT32 Second = ShaderGetProgram("Other", "Quad");
-    EXPECT_NE(First, Second);
-    EXPECT_EQ(Record(First).VertexShader, Record(Second).VertexShader);
-    EXPECT_EQ(GShaderLib->VertexShaders["Quad"].RefCount, 2);
-    EXPECT_EQ(GShaderLib->PixelShaders["Other"].RefCount, 1);
-}
-
-TEST_F(ShaderLibTest, ProgramsShareAPixelShader) {
-    WriteText("Data/Shaders/Other.vsh", PLAIN_VERTEX);
-    const UINT32 First = ShaderGetProgram("Quad", "Quad");
-    const UINT32 Second = ShaderGetProgram("Quad", "Other");
-    EXPECT_NE(First, Second);
-    EXPECT_EQ(Record(First).PixelShader, Record(Second).PixelShader);
-    EXPECT_EQ(GShaderLib->PixelShaders["Quad"].RefCount, 2);
+TEST_F(ShaderLibTest, EqualRequestsShareAProgramAndEqualHalvesAShader) {
+    const std::vector<const char*> Lists[] = {{}, {"A"}, {"A", "B"}, {"B", "A"}};
+    UINT32 Programs[32]; // all twice
+    for (int i = 0; i < 32; i++) {
+        Programs[i] = Use(i & 1 ? "Quad" : "All", i & 2 ? "Quad" : "All", Lists[i / 4 % 4]);
+    }
+    for (int i = 0; i < 32; i++) {
+        const SShaderProgram& A = Record(Programs[i]);
+        EXPECT_EQ(GShaderLib->VertexShaders[A.VSKey].RefCount, 2);
+        EXPECT_EQ(GShaderLib->PixelShaders[A.PSKey].RefCount, 2);
+        for (int j = 0; j < 32; j++) {
+            const int Differing = (i ^ j) & 15;
+            EXPECT_EQ(A.Program == Programs[j], Differing == 0);
+            EXPECT_EQ(A.VertexShader == Record(Programs[j]).VertexShader, (Differing & ~1) == 0);
+            EXPECT_EQ(A.PixelShader == Record(Programs[j]).PixelShader, (Differing & ~2) == 0);
+        }
+    }
+    const SShaderProgram Made = Record(Programs[0]);
+    ShaderLibFree();
+    glUseProgram(0);
+    EXPECT_FALSE(glIsProgram(Made.Program) || glIsShader(Made.VertexShader) || glIsShader(Made.PixelShader));
 }
 
 TEST_F(ShaderLibTest, TheTextIsMacrosThenPrefixThenFileWithoutCarriageReturns) {
-    WriteShaders("Crlf", "void main() {\r\n gl_Position = gl_Vertex; }\r\n", "Crlf", VARIANTS);
-    const UINT32 Program = ShaderGetProgram("Crlf", "Crlf", Macros({"A", "B"}));
-    EXPECT_EQ(Source(Record(Program).VertexShader),
+    WriteText("Data/Shaders/Crlf.vsh", "void main() {\r\n gl_Position = gl_Vertex; }\r\n");
+    const SShaderProgram& Program = Record(Use("Quad", "Crlf", {"A", "B"}));
+    EXPECT_EQ(Source(Program.VertexShader),
               "#define A\n#define B\n"
               "\t\t\t\t\t\t uniform mat4 ViewMatrix;\t\t\t\t\t\t uniform mat4 ProjectionMatrix;"
               "void main() {\n gl_Position = gl_Vertex; }\n");
-    EXPECT_EQ(Source(Record(Program).PixelShader), std::string("#define A\n#define B\n") + VARIANTS);
-}
-
-TEST_F(ShaderLibTest, APixelShaderMayBeginWithAnExtension) {
-    WriteText("Data/Shaders/Lod.psh", "#extension GL_ARB_shader_texture_lod : require\n"
-                                      "uniform sampler2D Texture;\n"
-                                      "void main() { gl_FragColor = texture2DLod(Texture, vec2(0.5), 0.0); }\n");
-    EXPECT_NE(ShaderGetProgram("Lod", "Quad", Macros({"A"})), 0u);
+    EXPECT_EQ(Source(Program.PixelShader), std::string("#define A\n#define B\n") + BLUE);
 }
 
 TEST_F(ShaderLibTest, TheLongestMacroIsDefinedAndALongerOneFails) {
-    const std::string Longest(SHADER_MACRO_MAX, 'M');
-    WriteText("Data/Shaders/Long.psh", "#ifdef " + Longest + "\nvoid main() { gl_FragColor = vec4(1.0); }\n#endif\n");
-    const UINT32 Program = ShaderGetProgram("Long", "Quad", Macros({Longest.c_str()}));
-    EXPECT_EQ(DrawnColor(Program), (SRgb{255, 255, 255}));
-    const std::string TooLong = Longest + "M";
-    EXPECT_DEATH(ShaderGetProgram("Long", "Quad", Macros({TooLong.c_str()})), "SHADER_MACRO_MAX.*GameShader");
+    const std::string Longest(54, 'M');
+    WriteText("Data/Shaders/Long.psh", "#ifdef " + Longest + "\n" + BLUE + "#endif\n");
+    Use("Long", "Quad", {Longest.c_str()});
+    EXPECT_EQ(DrawnColor(), (SRgb{0, 0, 255}));
+    EXPECT_DEATH(Use("Long", "Quad", {(Longest + "M").c_str()}), "SHADER_MACRO_MAX.*GameShader");
 }
 
 TEST_F(ShaderLibTest, AMissingFileIsLeftOutInSilence) {
     testing::internal::CaptureStdout();
-    const UINT32 Program = ShaderGetProgram("Quad", "NoSuchFile");
+    Use("Quad", "NoSuchFile");
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    EXPECT_EQ(Record(Program).VertexShader, 0u);
-    // The fixed vertex stage takes the missing one's place.
-    EXPECT_EQ(DrawnColor(Program), (SRgb{0, 0, 255}));
+    EXPECT_EQ(DrawnColor(), (SRgb{0, 0, 255})) << "the fixed vertex stage takes its place";
 }
 
-TEST_F(ShaderLibTest, AShaderThatDoesNotCompileIsFatalWithItsLog) {
-    WriteText("Data/Shaders/Broken.psh", "void main() { gl_FragColor = NoSuchName; }\n");
-    EXPECT_FATAL(RequestWithOutputOnStandardError("Broken", "Quad"), "NoSuchName(.|\n)*NoSuchName");
-    const std::string Log = ReadText("error.log");
-    EXPECT_EQ(Log.find("-SHADER COMPILE ERROR-\n"), 0u);
-    EXPECT_NE(Log.find("NoSuchName"), std::string::npos);
+TEST_F(ShaderLibTest, FailuresOfCompilingAndLinkingAreFatalWithTheirLog) {
+    WriteText("Data/Shaders/Uncompiled.psh", "void main() { gl_FragColor = NoSuchName; }\n");
+    WriteText("Data/Shaders/Unlinked.psh", "vec4 NoSuchName();\nvoid main() { gl_FragColor = NoSuchName(); }\n");
+    for (const auto& [Name, Title] :
+         {std::pair{"Uncompiled", "-SHADER COMPILE ERROR-\n"}, std::pair{"Unlinked", "-SHADER PRORAM LINK ERROR-\n"}}) {
+        WriteText("error.log", "");
+        EXPECT_FATAL(UseAloud(Name), "NoSuchName(.|\n)*NoSuchName") << "once on each output";
+        EXPECT_EQ(ReadText("error.log").find(Title), 0u);
+        EXPECT_NE(ReadText("error.log").find("NoSuchName"), std::string::npos);
+    }
 }
 
-TEST_F(ShaderLibTest, AProgramThatDoesNotLinkIsFatalWithItsLog) {
-    WriteText("Data/Shaders/Unlinked.psh",
-              "vec4 NoSuchFunction();\nvoid main() { gl_FragColor = NoSuchFunction(); }\n");
-    EXPECT_FATAL(RequestWithOutputOnStandardError("Unlinked", "Quad"), "NoSuchFunction(.|\n)*NoSuchFunction");
-    const std::string Log = ReadText("error.log");
-    EXPECT_EQ(Log.find("-SHADER PRORAM LINK ERROR-\n"), 0u);
-    EXPECT_NE(Log.find("NoSuchFunction"), std::string::npos);
+// Without a program in use every call of OpenGL's is an error, so that none is known to have been made.
+TEST_F(ShaderLibTest, OnlyAChangeIsSentAndEachProgramBeginsAtZero) {
+    for (const UINT32 Program : {Use("All", "All"), Use("All", "All", {"OTHER"})}) {
+        for (const SSetter& Setter : SETTERS) {
+            SCOPED_TRACE(Setter.Name);
+            Floats Wanted(Setter.Count);
+            for (std::size_t i = 0; i <= Setter.Count; i++) {
+                glUseProgram(0);
+                Setter.Set(Wanted.data(), Program);
+                EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR)) << "sent once more";
+                glUseProgram(Program);
+                Wanted[i % Setter.Count] += 5.0f;
+                Setter.Set(Wanted.data(), Program);
+                EXPECT_EQ(Value(Program, Setter.Name, Setter.Count), Wanted);
+            }
+        }
+    }
 }
 
-TEST_F(ShaderLibTest, FreeDeletesEverythingThatWasMade) {
-    const UINT32 Program = ShaderGetProgram("Quad", "Quad");
-    ShaderGetProgram("Quad", "NoSuchFile");
-    const UINT32 VertexShader = Record(Program).VertexShader;
-    const UINT32 PixelShader = Record(Program).PixelShader;
-    ShaderLibFree();
-    EXPECT_EQ(GShaderLib, nullptr);
-    EXPECT_FALSE(glIsProgram(Program));
-    EXPECT_FALSE(glIsShader(VertexShader));
-    EXPECT_FALSE(glIsShader(PixelShader));
+TEST_F(ShaderLibTest, AMatrixArrayIsAlwaysSentWhole) {
+    const UINT32 Program = Use("All", "All");
+    Floats Two(32, 1.0f);
+    for (const float Last : {2.0f, 3.0f}) {
+        Two[31] = Last;
+        ShaderSetUniformMatrices(Two.data(), Program, "Array", 2);
+        EXPECT_EQ(Value(Program, "Array[0]", 16), Floats(16, 1.0f));
+        EXPECT_EQ(Value(Program, "Array[1]", 16).back(), Last);
+    }
+}
+
+TEST_F(ShaderLibTest, UnknownUniformsAndProgramsAreIgnoredAndNullIsNot) {
+    const UINT32 Program = Use("All", "All");
+    const Floats v(16, 1.0f);
+    ShaderSetUniformMatrices(v.data(), Program, "NoSuchUniform", 1);
+    for (const SSetter& Setter : SETTERS) {
+        Setter.Set(v.data(), Program + 1000);
+        EXPECT_EQ(Value(Program, Setter.Name, Setter.Count), Floats(Setter.Count)) << Setter.Name;
+        if (Setter.Count > 1) {
+            EXPECT_DEATH(Setter.Set(nullptr, Program), ": v, file GameShader") << Setter.Name;
+        }
+    }
+}
+
+TEST_F(ShaderLibTest, TheStateGoesOutUnderItsNames) {
+    const UINT32 Program = Use("All", "All");
+    GWorldMatrix[12] = GViewMatrix[13] = GProjectionMatrix[14] = GSMMatrix[3] = 8.0f;
+    ShaderSendWorldMatrix(Program);
+    ShaderSendViewMatrix(Program);
+    ShaderSendProjectionMatrix(Program);
+    ShaderSendFog(Program);
+    GCurLight = LIGHT_SPOT;
+    ShaderSendLight(Program);
+    EXPECT_EQ(Value(Program, "AmbientColor", 3), Floats(3)) << "a spot light sends none";
+    GCurLight = LIGHT_AMBDIR;
+    ShaderSendLight(Program);
+    glGenTextures(1, &GShadowTexture);
+    glGenTextures(1, &GProjTexture);
+    ShaderSendShadow(Program);
+    const float Third = std::sqrt(1.0f / 3.0f);
+    const std::pair<const char*, Floats> Expected[] = {
+        {"WorldMatrix", {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 8, 0, 0, 1}},
+        {"ViewMatrix", {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 8, 0, 1}},
+        {"ProjectionMatrix", {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 8, 1}},
+        {"SMMatrix", {0, 0, 0, 8}},
+        {"ShadowMap", {7}},
+        {"ProjMap", {6}},
+        {"FogColor", {0.2f, 0.3f, 0.4f}},
+        {"FogData", {2000.0f, 0.5f}},
+        {"LightPos", {0.0f, 0.0f, 200.0f, 500.0f}},
+        {"LightDir", {-Third, -Third, Third, 1.0f}},
+        {"AmbientColor", {0.2f, 0.25f, 0.3f}},
+        {"LightColor", {0.7f, 0.6f, 0.5f}},
+        {"LightTransDist", {200.0f, 250.0f}},
+    };
+    for (const auto& [Name, Wanted] : Expected) {
+        const Floats Sent = Value(Program, Name, Wanted.size());
+        for (std::size_t i = 0; i < Wanted.size(); i++) {
+            EXPECT_NEAR(Sent[i], Wanted[i], 1e-6f) << Name << " " << i;
+        }
+    }
+    EXPECT_EQ(GetInteger(GL_TEXTURE_BINDING_2D), static_cast<INT32>(GProjTexture));
+    glActiveTexture(GL_TEXTURE7);
+    EXPECT_EQ(GetInteger(GL_TEXTURE_BINDING_2D), static_cast<INT32>(GShadowTexture));
+    EXPECT_EQ(TextureParameter(GShadowTexture, GL_TEXTURE_WRAP_S), GL_CLAMP_TO_EDGE);
+    glDeleteTextures(1, &GShadowTexture);
+    glDeleteTextures(1, &GProjTexture);
+    GShadowTexture = GProjTexture = 0;
 }
 
 } // namespace

@@ -1,16 +1,11 @@
-// A test fixture with an OpenGL context: the game's window of 1024 by 576, the state that the program starts with, and
-// a working directory of the test's own.
+// A test fixture with an OpenGL context: the game's window, the state that the program starts with, and a working
+// directory of the test's own.
 //
-// The window is made once per process and stays to its end; every case begins with the same state, no bound target, no
-// program, no OpenGL error, the view, projection and world matrices at identity, and an empty folder "Data" with
-// "Shaders" and "Textures" in the working directory, which is removed after the case. Without a display the cases are
-// skipped; with one that gives no context they fail.
-//
-// Fatal errors print their text on standard error instead of showing a box. Death tests run in a fresh process (style
-// "threadsafe") that gets a context of its own but works in the same directory, so a case can prepare files before it
-// and look at error.log behind it. EXPECT_FATAL expects the exit of FatalError with a text.
-//
-// Pictures have 8 bits a channel and their top row first.
+// The window is made once per process. Every case begins with that state, identity matrices, neither program nor
+// target bound, and the empty folders Data/Shaders and Data/Textures in a directory that goes behind the case. Without
+// a display the cases are skipped; with one that gives no context they fail. A derived SetUp goes on, and a derived
+// TearDown tidies up, only if Ready. Fatal errors print on standard error. Death tests run in a process with a context
+// of its own but in the same directory: files made before one are there, and so is its error.log behind it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -20,18 +15,17 @@
 #include "foundation/Types.h"
 
 struct SRgb {
-    int R = 0;
-    int G = 0;
-    int B = 0;
+    int R = 0, G = 0, B = 0;
     bool operator==(const SRgb&) const = default;
 };
 
-std::ostream& operator<<(std::ostream& Out, const SRgb& Color);
+inline std::ostream& operator<<(std::ostream& Out, const SRgb& Color) {
+    return Out << "(" << Color.R << ", " << Color.G << ", " << Color.B << ")";
+}
 
 struct SPicture {
-    int Width = 0;
-    int Height = 0;
-    std::vector<UINT8> Rgb; // Width * Height * 3, top row first
+    int Width = 0, Height = 0;
+    std::vector<UINT8> Rgb; // lowest row first, as OpenGL and the picture library have it
 
     SRgb At(int X, int Y) const; // Y downward
 };
@@ -40,8 +34,9 @@ class GlFixture : public ::testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
+    bool Ready = false;
 
-    // The first folder of the path must exist; the others are made.
+    // Missing folders of the path are made.
     static void WriteText(const std::string& Path, const std::string& Text);
     static std::string ReadText(const std::string& Path);
 
@@ -49,25 +44,21 @@ protected:
     static void WriteShaders(const std::string& VertexName, const std::string& VertexText, const std::string& PixelName,
                              const std::string& PixelText);
 
-    // An uncompressed TGA file. Channels: 1 is grey, 3 is RGB, 4 is RGBA; Pixels in that order, top row first.
+    // Uncompressed. Channels: 1 is grey, 3 is RGB, 4 is RGBA; Pixels in that order, top row first.
     static void WriteTga(const std::string& Path, int Width, int Height, int Channels,
                          const std::vector<UINT8>& Pixels);
 
-    // From whatever is bound for reading: the window or a target. Y counts downward from Height's top.
-    static SPicture ReadPicture(int Width, int Height);
     static SPicture ReadWindow();
-
-    // RGBA of level 0.
-    static std::vector<UINT8> ReadTexture(UINT32 Texture, int Width, int Height);
-
+    static std::vector<UINT8> ReadTexture(UINT32 Texture, int Width, int Height); // RGBA of level 0
     static void ClearWindow(float R, float G, float B);
 
+    static INT32 GetInteger(UINT32 Name);
+    static INT32 TextureParameter(UINT32 Texture, UINT32 Name);
+
 private:
-    std::string StartDir;
-    bool OwnsDir = false;
+    std::string StartDir; // empty if the case has no directory
 };
 
 // What exit(0xBADDC0DE) comes out as.
 constexpr int FATAL_EXIT_STATUS = 222;
-
 #define EXPECT_FATAL(Statement, Text) EXPECT_EXIT(Statement, ::testing::ExitedWithCode(FATAL_EXIT_STATUS), Text)

@@ -1,14 +1,10 @@
 // Comparison of a drawn picture with one that was looked at and kept: tests/golden/<name>.png.
 //
-// The gate is the mean absolute difference over all channels of all pixels, 0 to 255, against a limit that each case
-// chooses: drivers round differently, a wrong picture differs by far more. A picture that fails is stored with the
-// expected one and their difference (four times as strong) in golden-failures/ of the build folder.
-// Goldens are written only by tools/renew_goldens, which sets SLOPERUSH_RENEW_GOLDEN=1; look at each before keeping it.
-// Needs ilInit.
+// The gate is the mean absolute difference over all channels of all pixels, 0 to 255, against a limit of the case's
+// own: drivers round differently, a wrong picture differs by far more. A picture that fails is stored with the expected
+// one and their difference, made stronger, in golden-failures/ of the build folder. Goldens are written only by
+// tools/renew_goldens, which sets SLOPERUSH_RENEW_GOLDEN=1; look at each before keeping it. Needs ilInit.
 #pragma once
-
-#include <gtest/gtest.h>
-#include <string>
 
 #include "support/GlFixture.h"
 
@@ -18,12 +14,11 @@ struct SGoldenPlace {
     bool Renew = false;
 };
 
-// The source folder's goldens and the build folder's failures; Renew by the environment.
 SGoldenPlace DefaultGoldenPlace();
 
 ::testing::AssertionResult MatchesGolden(const SPicture& Actual, const std::string& Name, double MaxMeanDifference,
                                          const SGoldenPlace& Place = DefaultGoldenPlace());
 
-// Lossless. False if it could not be written; a picture of width 0 if it could not be read.
+// Lossless. False for an empty picture, one of width 0 for a missing file.
 bool WritePng(const std::string& Path, const SPicture& Picture);
 SPicture ReadPng(const std::string& Path);
