@@ -181,6 +181,7 @@ TEST_F(Shaders, FogClosesAtItsDistance) {
     EXPECT_NEAR(Far.G, 128, 2);
     EXPECT_NEAR(Far.B, 191, 2);
     EXPECT_GT(std::abs(Near.R - Far.R), 10);
+    EXPECT_GT(std::abs(DrawGround(500, 0).R - Far.R), 5);
 }
 
 TEST_F(Shaders, LeavesCastShadowsThroughTheirAlphaAndTheGroundAlways) {

@@ -87,7 +87,7 @@ private:
         INT32 Row = 0;
         Ride[0] = FIRST_LEVEL;
         for (UINT32 Stretch = 0; Row < SAMPLES - 1; ++Stretch) {
-            const INT32 Even = 6 + static_cast<INT32>(NoiseHash(1, static_cast<INT32>(Stretch), Params.Seed) % 8);
+            const INT32 Even = 4 + static_cast<INT32>(NoiseHash(1, static_cast<INT32>(Stretch), Params.Seed) % 5);
             for (INT32 i = 0; i < Even; ++i) {
                 Climb(Row, 1);
             }
