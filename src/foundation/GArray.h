@@ -189,14 +189,15 @@ void GArray<T>::Insert(UINT32 At, const T& Value) {
 
 template <class T>
 void GArray<T>::Add(const T& Value) {
-    // A copy of the count: the compiler must otherwise take it that the new element may have overwritten it.
+    // The count is read once and written last: else the compiler must read it again, as the new element may lie over
+    // it.
     const UINT32 End = count;
     if (End == Capacity) {
         InsertGrowing(End, Value);
         return;
     }
-    count = End + 1;
     ::new (static_cast<void*>(Data + End)) T(Value);
+    count = End + 1;
 }
 
 template <class T>

@@ -80,7 +80,7 @@ private:
     Node* FindByCompare(const K& Key) const;
     static Node* Rotate(Node* Top, int Direction);
     static Node* RotateTwice(Node* Top, int Direction);
-    static void PushRedDown(Node** ParentLink, Node* At, int Last);
+    [[gnu::always_inline]] static void PushRedDown(Node** ParentLink, Node* At, int Last);
     static Node* Copy(const Node* From);
     static void Free(Node* Top);
     static UINT32 BlackHeight(const Node* Top);
@@ -316,8 +316,9 @@ typename GMap<K, V>::Node* GMap<K, V>::Insert(const K& Key, const V& Value) {
 }
 
 // Makes the black node At, whose children are black, red before the walk enters it, by the help of its sibling.
+// Inlined, since a removing walk comes here at most levels.
 template <class K, class V>
-void GMap<K, V>::PushRedDown(Node** ParentLink, Node* At, int Last) {
+inline void GMap<K, V>::PushRedDown(Node** ParentLink, Node* At, int Last) {
     Node* Parent = *ParentLink;
     Node* Sibling = Parent->child[!Last];
     if (!Sibling) {
