@@ -121,16 +121,15 @@ TEST_F(TextureStorageTest, TheBoundPictureIsCopiedAndDeleted) {
 }
 
 TEST_F(TextureStorageTest, DisableUnitsTurnsAllEightOffAndEndsOnTheLast) {
-    for (GLenum Unit = 0; Unit < 8; Unit++) {
-        glActiveTexture(GL_TEXTURE0 + Unit);
-        glEnable(GL_TEXTURE_2D);
+    for (int Round = 0; Round < 2; Round++) {
+        for (GLenum Unit = 0; Unit < 8; Unit++) {
+            glActiveTexture(GL_TEXTURE0 + Unit);
+            EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D)) << "unit " << Unit;
+            glEnable(GL_TEXTURE_2D);
+        }
+        TextureDisableUnits();
     }
-    TextureDisableUnits();
     EXPECT_EQ(GetInteger(GL_ACTIVE_TEXTURE), GL_TEXTURE7);
-    for (GLenum Unit = 0; Unit < 8; Unit++) {
-        glActiveTexture(GL_TEXTURE0 + Unit);
-        EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D)) << "unit " << Unit;
-    }
 }
 
 } // namespace
