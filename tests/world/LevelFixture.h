@@ -17,6 +17,11 @@
 #include <filesystem>
 #include <memory>
 
+inline void ExpectNear(const Vec3& A, const Vec3& B, float Tolerance) {
+    EXPECT_LE(M_Length(A - B), Tolerance)
+        << A.x << ' ' << A.y << ' ' << A.z << " but not " << B.x << ' ' << B.y << ' ' << B.z;
+}
+
 class LevelFixture : public GlFixture {
 protected:
     static constexpr float STEP = 1.0f / 60;
@@ -28,7 +33,14 @@ protected:
         }
         ASSERT_TRUE(std::filesystem::exists(SLOPERUSH_DATA_DIR "/Levels/Level1.wlm")) << "build the target data first";
         for (const auto& Entry : std::filesystem::directory_iterator(SLOPERUSH_DATA_DIR)) {
-            LinkFolder(Entry.path());
+            const std::filesystem::path Here = "Data" / Entry.path().filename();
+            if (Here.filename() == "Levels") {
+                using enum std::filesystem::copy_options;
+                std::filesystem::copy(Entry, Here, recursive | skip_existing);
+            } else {
+                std::filesystem::remove(Here);
+                std::filesystem::create_directory_symlink(Entry, Here);
+            }
         }
         InputReset();
         GMousePos = GLastMousePos = {};
@@ -72,20 +84,5 @@ protected:
         const std::string Picture = "Data/Levels/Flat.tga ";
         WriteText("Data/Levels/Flat.ter", Picture + Picture + Picture + Picture + Picture);
         return "terrain file=Data/Levels/Flat.ter sx=200 sy=200 sz=255\n";
-    }
-
-private:
-    static void LinkFolder(const std::filesystem::path& Source) {
-        const std::filesystem::path Here = std::filesystem::path("Data") / Source.filename();
-        if (std::filesystem::is_symlink(Here)) {
-            return;
-        }
-        if (Source.filename() == "Levels") {
-            using enum std::filesystem::copy_options;
-            std::filesystem::copy(Source, Here, recursive | skip_existing);
-            return;
-        }
-        std::filesystem::remove(Here);
-        std::filesystem::create_directory_symlink(Source, Here);
     }
 };

@@ -3,56 +3,38 @@
 #include "world/LevelFixture.h"
 #include "world/Probe.h"
 
-#include <GL/glew.h>
-
 namespace {
 
 using Names = std::vector<std::string>;
 
 class Level : public LevelFixture {
 protected:
-    void SetUp() override {
-        LevelFixture::SetUp();
-        CProbe::Reset();
-    }
     void TearDown() override {
         LevelFixture::TearDown();
-        CProbe::Reset();
+        CProbe::Log.clear();
+        CProbe::OnUpdate = [](CProbe&, float) {};
+        CProbe::OnEnd = [] {};
     }
 
     static CProbe& Probe(UINT32 Index) { return static_cast<CProbe&>(*GLevel->Entities[Index]); }
 };
 
-// The process that is expected to end takes nothing down, so its leak checker is not asked.
-class LevelDeathTest : public Level {
-protected:
-    void SetUp() override {
-        Level::SetUp();
-        setenv("ASAN_OPTIONS", "detect_leaks=0", 0);
+using LevelDeathTest = Level;
+
+TEST_F(LevelDeathTest, BrokenFilesAreFatalInTheseWords) {
+    setenv("ASAN_OPTIONS", "detect_leaks=0", 0); // the process that is expected to end takes nothing down
+    const std::pair<const char*, const char*> CASES[] = {
+        {"WLMG\nterrain sx=1\n", "CLevel::LoadSourceLevel - Wrong file type - A.wlm\n"},
+        {"WLMF\nterrain sx=1\nlamp x=1\n", "CLevel::LoadLevel - Wrong definition type lamp in A.wlm\n"},
+        {"WLMF\nterrain sx=1\n\n", "CLevel::LoadLevel - Wrong definition type  in A.wlm\n"}};
+    std::string Log = "CLevel::LoadSourceLevel - File read error - No.wlm\n";
+    EXPECT_FATAL(CLevel().LoadSourceLevel("No.wlm"), "");
+    EXPECT_EQ(ReadText("error.log"), Log);
+    for (const auto& [Text, Words] : CASES) {
+        WriteText("A.wlm", Text);
+        EXPECT_FATAL(CLevel().LoadSourceLevel("A.wlm"), "");
+        EXPECT_EQ(ReadText("error.log"), Log += Words);
     }
-};
-
-TEST_F(LevelDeathTest, MissingFileIsFatal) {
-    EXPECT_FATAL(CLevel().LoadSourceLevel("Data/Levels/No.wlm"), "");
-    EXPECT_EQ(ReadText("error.log"), "CLevel::LoadSourceLevel - File read error - Data/Levels/No.wlm\n");
-}
-
-TEST_F(LevelDeathTest, WrongMagicIsFatal) {
-    WriteText("Data/Levels/A.wlm", "WLMG\nterrain sx=1\n");
-    EXPECT_FATAL(CLevel().LoadSourceLevel("Data/Levels/A.wlm"), "");
-    EXPECT_EQ(ReadText("error.log"), "CLevel::LoadSourceLevel - Wrong file type - Data/Levels/A.wlm\n");
-}
-
-TEST_F(LevelDeathTest, UnknownDefinitionIsFatal) {
-    WriteText("Data/Levels/A.wlm", "WLMF\nterrain sx=1\nlamp x=1\n");
-    EXPECT_FATAL(CLevel().LoadSourceLevel("Data/Levels/A.wlm"), "");
-    EXPECT_EQ(ReadText("error.log"), "CLevel::LoadLevel - Wrong definition type lamp in Data/Levels/A.wlm\n");
-}
-
-TEST_F(LevelDeathTest, ExtraBlankLineAtTheEndIsFatal) {
-    WriteText("Data/Levels/A.wlm", "WLMF\nterrain sx=1\n\n");
-    EXPECT_FATAL(CLevel().LoadSourceLevel("Data/Levels/A.wlm"), "");
-    EXPECT_EQ(ReadText("error.log"), "CLevel::LoadLevel - Wrong definition type  in Data/Levels/A.wlm\n");
 }
 
 TEST_F(Level, ShippedLevelsLoadAndRunInSilence) {
@@ -62,7 +44,6 @@ TEST_F(Level, ShippedLevelsLoadAndRunInSilence) {
         Loaded.Update(STEP);
         Loaded.Render(1.0f);
         EXPECT_EQ(testing::internal::GetCapturedStdout(), "") << Entry.path();
-        ASSERT_NE(Loaded.Terrain, nullptr);
         EXPECT_NE(Loaded.Terrain->Body, nullptr) << Entry.path();
         EXPECT_NE(Loaded.Sky.Texture, 0u) << Entry.path();
         EXPECT_EQ(Loaded.Entities.count, Loaded.EntityDefs.count) << Entry.path();
@@ -70,24 +51,28 @@ TEST_F(Level, ShippedLevelsLoadAndRunInSilence) {
     }
 }
 
-TEST_F(Level, MagicOnlyIsAnEmptyLevelThatRuns) {
-    CLevel& Empty = LoadText("WLMF\n");
-    Empty.Update(STEP);
-    Empty.Render(1.0f);
-    EXPECT_EQ(Empty.Sky.Texture, 0u);
-    EXPECT_EQ(Empty.Terrain->MinPartSize, 0u);
-    EXPECT_EQ(Empty.Entities.count, 0u);
-    EXPECT_EQ(Empty.EditMode, 0);
+TEST_F(Level, RunsWithoutSkyAndTerrainAndTheEditorBodyHangs) {
+    for (const char* Lines : {"", "terrain file=No.ter sx=10 sy=10 sz=10\nscene sky=No.png\n"}) {
+        testing::internal::CaptureStdout();
+        CLevel& Bare = LoadText(std::string("WLMF\n") + Lines);
+        testing::internal::GetCapturedStdout();
+        for (int i = 0; i < 60; ++i) {
+            Bare.Update(STEP);
+        }
+        Bare.Render(1.0f);
+        EXPECT_EQ(Bare.Sky.Texture, 0u);
+        const btVector3 Origin = GEditorBody->getWorldTransform().getOrigin() * PhyWorldScale;
+        ExpectNear({Origin.x(), Origin.y(), Origin.z()}, {0, 0, 400}, 0.01f);
+    }
 }
 
 TEST_F(Level, FileValuesReachTerrainAndGrid) {
-    const CLevel& Loaded = LoadText("WLMF\nentity Probe\n" + FlatGround(51) + "scene fdist=700\n");
+    const CLevel& Loaded = LoadText("WLMF\nentity Probe\n" + FlatGround(51));
     EXPECT_EQ(Loaded.Terrain->Extents, Vec3({200, 200, 255}));
     EXPECT_EQ(Loaded.Terrain->GetPoint(16, 16).z, 51.0f);
     EXPECT_EQ(Loaded.Grid->Box.Min, Vec3({-255, -255, -255})) << "the largest size counts";
     EXPECT_EQ(Loaded.Grid->Box.Max, Vec3({255, 255, 255}));
     EXPECT_EQ(Loaded.Grid->CellCounts, Vec3({200, 200, 200}));
-    EXPECT_EQ(Loaded.Params.FogDist, 700.0f);
 }
 
 TEST_F(Level, UnknownClassIsSkippedWithALine) {
@@ -98,70 +83,44 @@ TEST_F(Level, UnknownClassIsSkippedWithALine) {
     EXPECT_NE(Log.find("Data/Levels/Test.wlm"), std::string::npos) << Log;
     ASSERT_EQ(Loaded.Entities.count, 2u);
     EXPECT_EQ(Probe(0).Name + Probe(1).Name, "ac");
-    EXPECT_EQ(Loaded.ActiveEntities.count, 2u);
 }
 
-TEST_F(Level, UpdateStepsPhysicsBeforeTheEntitiesInFileOrder) {
-    CLevel& Loaded = LoadText("WLMF\nentity Probe Name=a\nentity Probe Name=b\n");
+TEST_F(Level, RemovedEntitiesLeaveAtTheEndOfTheUpdate) {
+    CLevel& Loaded =
+        LoadText("WLMF\nentity Probe Name=a\nentity Probe Name=b\nentity Probe Name=c\nentity Probe Name=d\n");
+    const std::unique_ptr<CEntity> Stranger(CreateEntity("Probe", {}));
     GEditorBody->setLinearVelocity(btVector3(1, 0, 0));
-    CProbe::OnUpdate = [](CProbe&) { EXPECT_GT(GEditorBody->getWorldTransform().getOrigin().x(), 0); };
-    Loaded.Update(STEP);
-    EXPECT_EQ(CProbe::Log, (Names{"update a", "update b"}));
-    EXPECT_EQ(Probe(0).LastDelta, STEP);
-}
-
-TEST_F(Level, RemovedEntityLeavesAtTheEndOfTheUpdate) {
-    CLevel& Loaded = LoadText("WLMF\nentity Probe Name=a\nentity Probe Name=b\nentity Probe Name=c\n");
-    CProbe::OnUpdate = [&Loaded](CProbe& Self) {
+    CProbe::OnUpdate = [&](CProbe& Self, float Delta) {
+        EXPECT_EQ(Delta, STEP);
+        EXPECT_GT(GEditorBody->getWorldTransform().getOrigin().x(), 0) << "physics comes first";
         if (Self.Name == "a") {
-            Loaded.RemoveEntity(&Self);
-            Loaded.RemoveEntity(&Self);
+            for (CEntity* Entity : {Loaded.Entities[0], Loaded.Entities[0], Loaded.Entities[1], Stranger.get()}) {
+                Loaded.RemoveEntity(Entity);
+            }
         }
     };
     Loaded.Update(STEP);
-    EXPECT_EQ(CProbe::Log, (Names{"update a", "update b", "update c", "end a"}));
+    EXPECT_EQ(CProbe::Log, (Names{"update a", "update b", "update c", "update d", "end a", "end b"}));
     CProbe::Log.clear();
     Loaded.Update(STEP);
-    EXPECT_EQ(CProbe::Log, (Names{"update c", "update b"})) << "the last one has taken the place of the first";
-}
-
-TEST_F(Level, EntityRemovedBeforeItsTurnIsStillUpdatedOnce) {
-    CLevel& Loaded = LoadText("WLMF\nentity Probe Name=a\nentity Probe Name=b\n");
-    CProbe::OnUpdate = [&Loaded](CProbe& Self) {
-        if (Self.Name == "a") {
-            Loaded.RemoveEntity(Loaded.Entities[1]);
-        }
-    };
-    Loaded.Update(STEP);
-    EXPECT_EQ(CProbe::Log, (Names{"update a", "update b", "end b"}));
+    EXPECT_EQ(CProbe::Log, (Names{"update d", "update c"})) << "the last one takes the place of the removed one";
 }
 
 TEST_F(Level, EntityAddedInAnUpdateTakesPartAtOnce) {
     CLevel& Loaded = LoadText("WLMF\nentity Probe Name=a\n");
-    CProbe::OnUpdate = [&Loaded](CProbe&) {
+    CProbe::OnUpdate = [&](CProbe&, float) {
         if (Loaded.Entities.count < 4) {
             Loaded.AddEntity(CreateEntity("Probe", {}));
         }
     };
     Loaded.Update(STEP);
     EXPECT_EQ(CProbe::Log, (Names{"update a", "update ", "update ", "update "}));
-    EXPECT_EQ(Loaded.Entities.count, 4u);
-    EXPECT_EQ(Loaded.ActiveEntities.count, 4u);
-}
-
-TEST_F(Level, UnknownEntityIsNotRemoved) {
-    CLevel& Loaded = LoadText("WLMF\nentity Probe Name=a\n");
-    const std::unique_ptr<CEntity> Stranger(CreateEntity("Probe", {}));
-    Loaded.RemoveEntity(Stranger.get());
-    Loaded.RemoveEntity(nullptr);
-    EXPECT_EQ(Loaded.DeadEntities.count, 0u);
-    EXPECT_EQ(Loaded.ActiveEntities.count, 1u);
 }
 
 TEST_F(Level, EntitiesLiveBetweenTheBuildingAndTheEndOfTheRest) {
     LoadText("WLMF\nentity Probe Name=a\nentity Probe Name=b\n" + FlatGround(51));
     EXPECT_TRUE(Probe(0).BuiltOnGround);
-    Probe(0).OnEnd = [] {
+    CProbe::OnEnd = [] {
         EXPECT_EQ(GPhyWorld->getNumCollisionObjects(), 2) << "the ground and the editor's body";
         EXPECT_TRUE(GLevel->Grid->CanHold());
         EXPECT_EQ(GLevel->Terrain->GetPoint(1, 1).z, 51.0f);
@@ -174,32 +133,13 @@ TEST_F(Level, EntitiesLiveBetweenTheBuildingAndTheEndOfTheRest) {
 TEST_F(Level, LevelsOneAfterTheOtherLeaveNothingBehind) {
     LoadLevel("Data/Levels/Level1.wlm");
     const int Bodies = GPhyWorld->getNumCollisionObjects();
-    EXPECT_GE(Bodies, 2);
     LoadLevel("Data/Levels/Level1.wlm");
+    EXPECT_GE(Bodies, 2);
     EXPECT_EQ(GPhyWorld->getNumCollisionObjects(), Bodies);
     DropLevel();
     EXPECT_EQ(GPhyWorld->getNumCollisionObjects(), 0);
     EXPECT_EQ(GEditorBody, nullptr);
     EXPECT_TRUE(GLastFBOs.Empty());
-}
-
-TEST_F(Level, MissingSkyAndTerrainLeaveTheRestRunning) {
-    testing::internal::CaptureStdout();
-    CLevel& Loaded = LoadText("WLMF\nterrain file=No.ter sx=10 sy=10 sz=10\nscene sky=No.png\n");
-    testing::internal::GetCapturedStdout();
-    Loaded.Update(STEP);
-    Loaded.Render(1.0f);
-    EXPECT_EQ(Loaded.Sky.Texture, 0u);
-}
-
-TEST_F(Level, EditorBodyHangsWhereItWasPut) {
-    CLevel& Empty = LoadText("WLMF\n");
-    for (int i = 0; i < 60; ++i) {
-        Empty.Update(STEP);
-    }
-    const btVector3 Origin = GEditorBody->getWorldTransform().getOrigin() * PhyWorldScale;
-    EXPECT_NEAR(Origin.z(), 400.0f, 0.01f);
-    EXPECT_NEAR(Origin.length(), 400.0f, 0.01f);
 }
 
 TEST_F(Level, SavedLevelComesBack) {
@@ -210,8 +150,7 @@ TEST_F(Level, SavedLevelComesBack) {
     First.Entities[0]->Position = {5, 6, 7};
     EXPECT_EQ(First.SaveTemporaryLevel(), 1u);
     const std::string Text = ReadText(SAVED);
-    EXPECT_NE(Text.find("\nentity Probe x=5.000000 y=6.000000 z=7.000000\nentity FPSCamera x="), std::string::npos)
-        << Text;
+    EXPECT_NE(Text.find("\nentity Probe x=5.000000 y=6.000000 z=7.000000\nentity FPSCamera x="), std::string::npos);
 
     CLevel& Second = LoadLevel(SAVED);
     EXPECT_EQ(Second.Params.FogDist, 321.125f);
@@ -220,12 +159,8 @@ TEST_F(Level, SavedLevelComesBack) {
     EXPECT_EQ(Second.Entities[1]->Position, Vec3({0, 0, 90.5f}));
     EXPECT_EQ(Second.SaveTemporaryLevel(), 1u);
     EXPECT_EQ(ReadText(SAVED), Text);
-}
-
-TEST_F(Level, SavingWithoutAFolderGivesZero) {
-    CLevel& Empty = LoadText("WLMF\n");
     std::filesystem::remove_all("Data/Levels");
-    EXPECT_EQ(Empty.SaveTemporaryLevel(), 0u);
+    EXPECT_EQ(Second.SaveTemporaryLevel(), 0u) << "no folder to write to";
 }
 
 } // namespace
