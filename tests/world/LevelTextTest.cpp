@@ -104,6 +104,7 @@ TEST(LevelText, OtherWordsAreRefusedAndNamed) {
     for (const char* Text : {"", "\n", "wlmf\n", "WLM\n", "WLMFX\n", "W LMF\n", "terrain sx=1\nWLMF\n"}) {
         EXPECT_EQ(SLevelText(Text).Result, ELevelText::WrongType) << Text;
     }
+    EXPECT_EQ(SLevelText("12; \n WLMF2 terrain sx=5\n").Result, ELevelText::Good) << "the first run of letters";
     EXPECT_EQ(ReadAndWritten("12; \n WLMF2 terrain sx=5\n"), Written({})) << "the rest of the magic's line is skipped";
     const std::pair<const char*, const char*> CASES[] = {
         {"Terrain sx=1\n", "Terrain"}, {"terrain\nlight x=1\n", "light"}, {"entityTree\n", "entityTree"},
