@@ -6,8 +6,7 @@
 
 #include "physics/Physics.h"
 
-// Seconds; a fixed step of the game.
-constexpr float STEP = 1.0f / 60.0f;
+constexpr float STEP = 1.0f / 60.0f; // seconds, a fixed step of the game
 
 class PhysicsFixture : public ::testing::Test {
 protected:
@@ -16,15 +15,11 @@ protected:
         EXPECT_EQ(GPhyWorld->getNumCollisionObjects(), 0);
         GPhyCallbacks.Clear();
         PhyFree();
+        PhyFree();
+        EXPECT_EQ(GPhyWorld, nullptr);
     }
 
-    static void ExpectNear(const btVector3& Actual, const btVector3& Expected, float Tolerance) {
-        EXPECT_NEAR(Actual.x(), Expected.x(), Tolerance);
-        EXPECT_NEAR(Actual.y(), Expected.y(), Tolerance);
-        EXPECT_NEAR(Actual.z(), Expected.z(), Tolerance);
-    }
-
-    // A dynamic sphere of 10 world units that nothing pulls until the case says so.
+    // Under no gravity until the case says so.
     static btRigidBody* AddBall(float x, float y, float z) {
         btRigidBody* Ball = PhyAddCapsuleBody(10, 0, x, y, z, true);
         Ball->setGravity(btVector3(0, 0, 0));

@@ -1,35 +1,36 @@
 // Grounds made from a formula, without picture, GL or physics.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cmath>
-#include <functional>
 #include <gtest/gtest.h>
 #include <random>
+#include <vector>
 
 #include "terrain/Terrain.h"
 
-// A fraction from 0 to 1 for grid point (x, y).
-using FHeight = std::function<float(UINT32 x, UINT32 y)>;
-
-// Fills an empty terrain as a picture of Side by Side samples would.
-inline void MakeGround(STerrain& Terrain, UINT32 Side, const FHeight& HeightAt) {
+// Fills a terrain as a picture would. HeightAt gives the fraction for grid point (x, y).
+template <class FHeight>
+void MakeGround(STerrain& Terrain, UINT32 Side, FHeight HeightAt, const Vec3& Extents) {
+    Terrain.Free();
+    Terrain.Extents = Extents;
     Terrain.Width = Terrain.Height = Side;
+    Terrain.MinPartSize = (Side - 1) / 16;
     Terrain.Heights = new float[Side * Side];
     for (UINT32 i = 0; i < Side * Side; i++) {
-        Terrain.Heights[i] = HeightAt(i % Side, i / Side);
+        Terrain.Heights[i] = static_cast<float>(HeightAt(i % Side, i / Side));
     }
-    Terrain.MinPartSize = (Side - 1) / 16;
     Terrain.RebuildTree();
 }
 
 // Smooth hills between 0.1 and 0.9.
-inline float Hills(UINT32 x, UINT32 y) {
-    return 0.5f + 0.25f * std::sin(static_cast<float>(x) * 0.31f) + 0.15f * std::cos(static_cast<float>(y) * 0.23f);
+inline double Hills(double x, double y) {
+    return 0.5 + 0.25 * std::sin(x * 0.31) + 0.15 * std::cos(y * 0.23);
 }
 
-// Single samples of any height, the same ones every time.
-inline float Rough(UINT32 x, UINT32 y) {
-    std::minstd_rand Random(x * 7919 + y * 104729 + 1);
-    Random.discard(5);
-    return std::uniform_real_distribution<float>(0, 1)(Random);
-}
+// The same numbers in every run.
+struct SRandom {
+    std::mt19937 Source{99};
+    float operator()(float Min, float Max) { return std::uniform_real_distribution<float>(Min, Max)(Source); }
+};

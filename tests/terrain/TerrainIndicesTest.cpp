@@ -1,171 +1,80 @@
 #include <map>
 #include <set>
-#include <vector>
 
 #include "terrain/TerrainFixture.h"
 
 namespace {
 
-struct SPoint {
-    int x, y; // grid cells from the leaf's corner
-    auto operator<=>(const SPoint&) const = default;
-};
-
-using FTriangle = std::array<SPoint, 3>;
+using SPoint = std::pair<int, int>; // x and y in grid cells from the leaf's corner
 using FEdge = std::pair<SPoint, SPoint>;
 
-int DoubleArea(const FTriangle& t) {
-    return (t[1].x - t[0].x) * (t[2].y - t[0].y) - (t[2].x - t[0].x) * (t[1].y - t[0].y);
+SPoint Swapped(const SPoint& p) {
+    return {p.second, p.first};
 }
 
-class TerrainIndicesTest : public ::testing::TestWithParam<UINT32> {
-protected:
-    void SetUp() override {
-        MakeGround(Terrain, GetParam(), [](UINT32, UINT32) { return 0.0f; });
-        Terrain.BuildIndices(Indices);
-        Part = static_cast<int>(Terrain.MinPartSize);
-        while ((Part >> CoarsestLod) > 1) {
-            CoarsestLod++;
+// The edges that only one triangle of a list has. All triangles face up, none lies over another, and together they
+// are as large as the leaf: with a border on the leaf's own edge, that leaves neither hole nor overlap.
+std::set<FEdge> Border(const STerrain& Terrain, const GArray<UINT32>& Indices, UINT32 Entry) {
+    std::set<FEdge> Open;
+    int DoubleArea = 0;
+    for (UINT32 i = 0; i < Terrain.IndexCount[Entry]; i += 3) {
+        SPoint p[3];
+        for (UINT32 c = 0; c < 3; c++) {
+            const int Vertex = static_cast<int>(Indices.Data[Terrain.IndexOffset[Entry] + i + c]);
+            p[c] = {Vertex % static_cast<int>(Terrain.Width), Vertex / static_cast<int>(Terrain.Width)};
         }
-    }
-
-    std::vector<FTriangle> List(UINT32 Lod, UINT32 Mask) const {
-        const UINT32 Entry = Lod * TERRAIN_MASKS + Mask;
-        std::vector<FTriangle> Out;
-        for (UINT32 i = 0; i < Terrain.IndexCount[Entry]; i += 3) {
-            FTriangle Triangle;
-            for (UINT32 c = 0; c < 3; c++) {
-                const UINT32 Vertex = Indices.Data[Terrain.IndexOffset[Entry] + i + c];
-                Triangle[c] = {static_cast<int>(Vertex % Terrain.Width), static_cast<int>(Vertex / Terrain.Width)};
-            }
-            Out.push_back(Triangle);
-        }
-        return Out;
-    }
-
-    // Edges that only one triangle has, each from its owner's point of view.
-    static std::set<FEdge> Border(const std::vector<FTriangle>& Triangles) {
-        std::set<FEdge> Open;
-        for (const FTriangle& t : Triangles) {
-            for (int i = 0; i < 3; i++) {
-                const FEdge Edge = {t[i], t[(i + 1) % 3]};
-                if (Open.erase({Edge.second, Edge.first}) == 0) {
-                    EXPECT_TRUE(Open.insert(Edge).second) << "two triangles lie over one another";
-                }
+        // Clockwise from above, which is the front.
+        const int Area = (p[2].first - p[0].first) * (p[1].second - p[0].second) -
+                         (p[1].first - p[0].first) * (p[2].second - p[0].second);
+        EXPECT_GT(Area, 0);
+        DoubleArea += Area;
+        for (int c = 0; c < 3; c++) {
+            if (Open.erase({p[(c + 1) % 3], p[c]}) == 0) {
+                EXPECT_TRUE(Open.insert({p[c], p[(c + 1) % 3]}).second) << "two triangles lie over one another";
             }
         }
-        return Open;
     }
-
-    // The places along one side of the leaf at which the list has vertices.
-    std::set<int> Chain(UINT32 Lod, UINT32 Mask, UINT32 Side) const {
-        std::set<int> Out;
-        for (const auto& [From, To] : Border(List(Lod, Mask))) {
-            for (const SPoint& p : {From, To}) {
-                if (Side == TERRAIN_LOW_X && p.x == 0) {
-                    Out.insert(p.y);
-                } else if (Side == TERRAIN_HIGH_X && p.x == Part) {
-                    Out.insert(p.y);
-                } else if (Side == TERRAIN_LOW_Y && p.y == 0) {
-                    Out.insert(p.x);
-                } else if (Side == TERRAIN_HIGH_Y && p.y == Part) {
-                    Out.insert(p.x);
-                }
-            }
-        }
-        return Out;
-    }
-
-    STerrain Terrain;
-    GArray<UINT32> Indices;
-    int Part = 0;
-    UINT32 CoarsestLod = 0;
-};
-
-constexpr UINT32 SIDES[] = {TERRAIN_LOW_X, TERRAIN_LOW_Y, TERRAIN_HIGH_X, TERRAIN_HIGH_Y};
-
-UINT32 Opposite(UINT32 Side) {
-    return Side == TERRAIN_LOW_X    ? TERRAIN_HIGH_X
-           : Side == TERRAIN_HIGH_X ? TERRAIN_LOW_X
-           : Side == TERRAIN_LOW_Y  ? TERRAIN_HIGH_Y
-                                    : TERRAIN_LOW_Y;
+    EXPECT_EQ(DoubleArea, static_cast<int>(2 * Terrain.MinPartSize * Terrain.MinPartSize));
+    return Open;
 }
 
 } // namespace
 
-TEST_P(TerrainIndicesTest, EveryListCoversTheLeafOnceAndFacesUp) {
-    for (UINT32 Lod = 0; Lod <= CoarsestLod; Lod++) {
-        for (UINT32 Mask = 0; Mask < TERRAIN_MASKS; Mask++) {
-            SCOPED_TRACE(testing::Message() << "lod " << Lod << " mask " << Mask);
-            const std::vector<FTriangle> Triangles = List(Lod, Mask);
-            int Area = 0;
-            for (const FTriangle& t : Triangles) {
-                // Clockwise from above, which is the front.
-                EXPECT_LT(DoubleArea(t), 0);
-                Area -= DoubleArea(t);
-            }
-            EXPECT_EQ(Area, 2 * Part * Part);
-            // With triangles of one sense that share all inner edges, a border that is the leaf's own edge leaves
-            // neither hole nor overlap.
-            for (const auto& [From, To] : Border(Triangles)) {
-                const bool AlongY = From.x == To.x && (From.x == 0 || From.x == Part);
-                const bool AlongX = From.y == To.y && (From.y == 0 || From.y == Part);
-                EXPECT_TRUE(AlongX || AlongY);
-            }
-        }
-    }
-}
-
-TEST_P(TerrainIndicesTest, NeighboursShareTheVerticesOfTheirEdge) {
-    for (UINT32 Lod = 0; Lod <= CoarsestLod; Lod++) {
-        for (UINT32 Mask = 0; Mask < TERRAIN_MASKS; Mask++) {
-            for (const UINT32 Side : SIDES) {
-                SCOPED_TRACE(testing::Message() << "lod " << Lod << " mask " << Mask << " side " << Side);
-                // The neighbour sees this leaf as equal or finer, so its own bit for the edge is not set.
-                const bool Coarser = (Mask & Side) && Lod < CoarsestLod;
-                EXPECT_EQ(Chain(Lod, Mask, Side), Chain(Lod + (Coarser ? 1 : 0), 0, Opposite(Side)));
+TEST(TerrainIndicesTest, NoListHasAGapAndNeighboursShareTheVerticesOfTheirEdge) {
+    for (const UINT32 Side : {33u, 65u, 257u, TERRAIN_MAX_SIDE}) {
+        STerrain Terrain;
+        Terrain.Width = Terrain.Height = Side;
+        Terrain.MinPartSize = (Side - 1) / 16;
+        const int Part = static_cast<int>(Terrain.MinPartSize);
+        const UINT32 Coarsest = static_cast<UINT32>(std::log2(Part));
+        GArray<UINT32> Indices;
+        std::size_t Places = 0;
+        Terrain.BuildIndices(Indices);
+        // The places of the vertices along each side, by list and side; sides in the order of their bits.
+        std::map<std::pair<UINT32, UINT32>, std::set<int>> Chains;
+        for (UINT32 Entry = 0; Entry < (Coarsest + 1) * TERRAIN_MASKS; Entry++) {
+            for (const FEdge& Edge : Border(Terrain, Indices, Entry)) {
+                const std::size_t Before = Places;
+                for (UINT32 s = 0; s < 4; s++) {
+                    const int At = s < 2 ? 0 : Part;
+                    const auto [From, To] = s % 2 ? Edge : FEdge{Swapped(Edge.first), Swapped(Edge.second)};
+                    if (From.second == At && To.second == At) {
+                        Chains[{Entry, s}].insert({From.first, To.first});
+                        Places++;
+                    }
+                }
+                EXPECT_GT(Places, Before) << "a hole in list " << Entry;
             }
         }
+        for (auto& [List, Chain] : Chains) {
+            const auto [Entry, s] = List;
+            // The neighbour sees this leaf as equal or finer, so its own bit for the edge is not set.
+            const UINT32 Lod = Entry / TERRAIN_MASKS;
+            const UINT32 Theirs = Lod + (Lod < Coarsest && (Entry >> s & 1));
+            EXPECT_EQ(Chain, (Chains[{Theirs * TERRAIN_MASKS, s ^ 2}])) << Side << " " << Entry;
+            EXPECT_EQ(Chain.size(), static_cast<std::size_t>((Part >> Theirs) + 1));
+        }
+        EXPECT_EQ(Chains.size(), 4 * (Coarsest + 1) * TERRAIN_MASKS);
+        EXPECT_EQ(Terrain.IndexCount[(Coarsest + 1) * TERRAIN_MASKS], 0u);
     }
-}
-
-TEST_P(TerrainIndicesTest, EachLevelHasHalfTheVerticesAlongAnEdge) {
-    for (UINT32 Lod = 0; Lod <= CoarsestLod; Lod++) {
-        EXPECT_EQ(Chain(Lod, 0, TERRAIN_LOW_X).size(), static_cast<std::size_t>((Part >> Lod) + 1));
-    }
-}
-
-TEST_P(TerrainIndicesTest, LevelsThatWereNotBuiltAreEmpty) {
-    for (UINT32 Entry = (CoarsestLod + 1) * TERRAIN_MASKS; Entry < TERRAIN_LODS * TERRAIN_MASKS; Entry++) {
-        EXPECT_EQ(Terrain.IndexCount[Entry], 0u);
-        EXPECT_EQ(Terrain.IndexOffset[Entry], 0u);
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Sizes, TerrainIndicesTest, ::testing::Values(33u, 65u, 257u, 513u));
-
-TEST(TerrainIndexCountTest, TrianglesOfAFullLeafOf16Cells) {
-    STerrain Terrain;
-    MakeGround(Terrain, 257, Hills);
-    GArray<UINT32> Indices;
-    Terrain.BuildIndices(Indices);
-    const UINT32 Triangles[] = {512, 128, 32, 8, 2};
-    for (UINT32 Lod = 0; Lod < 5; Lod++) {
-        EXPECT_EQ(Terrain.IndexCount[Lod * TERRAIN_MASKS], 3 * Triangles[Lod]);
-    }
-    // The largest leaf, of 128 cells, fills the tables with seven levels of fans and the square.
-    STerrain Largest;
-    Largest.Width = Largest.Height = TERRAIN_MAX_SIDE;
-    Largest.MinPartSize = 128;
-    GArray<UINT32> Many;
-    Largest.BuildIndices(Many);
-    EXPECT_EQ(Largest.IndexCount[0], 3 * 2 * 128 * 128u);
-    EXPECT_EQ(Largest.IndexCount[7 * TERRAIN_MASKS + 15], 6u);
-}
-
-TEST(TerrainIndexCountTest, AnEmptyTerrainHasNoLists) {
-    STerrain Terrain;
-    GArray<UINT32> Indices;
-    Terrain.BuildIndices(Indices);
-    EXPECT_EQ(Indices.count, 0u);
 }

@@ -1,181 +1,185 @@
+// Terrains from files, and their picture.
 #include <GL/glew.h>
+#include <btBulletDynamicsCommon.h>
+#include <sstream>
 
-#include "terrain/TerrainGlFixture.h"
+#include "foundation/Screen.h"
+#include "graphics/ShaderLib.h"
+#include "graphics/TextureStorage.h"
+#include "physics/Physics.h"
+#include "support/GlFixture.h"
+#include "terrain/TerrainFile.h"
+#include "terrain/TerrainFixture.h"
 
 namespace {
 
-class TerrainLoadTest : public TerrainGlFixture {
+class TerrainLoadTest : public GlFixture {
 protected:
-    void ExpectEmpty() const {
-        EXPECT_EQ(Terrain.Width, 0u);
-        EXPECT_EQ(Terrain.Height, 0u);
-        EXPECT_EQ(Terrain.MinPartSize, 0u);
-        EXPECT_EQ(Terrain.Heights, nullptr);
-        EXPECT_EQ(Terrain.Leaves, nullptr);
-        EXPECT_EQ(Terrain.Root, nullptr);
-        EXPECT_EQ(Terrain.Body, nullptr);
-        EXPECT_EQ(Terrain.NormalMap | Terrain.DetailMap | Terrain.VertexBuffer | Terrain.IndexBuffer, 0u);
-        EXPECT_EQ(Terrain.IndexCount[0], 0u);
-        EXPECT_TRUE(Terrain.FileName.Empty());
+    void SetUp() override {
+        GlFixture::SetUp();
+        if (Ready) {
+            PhyInit();
+            ShaderLibInit();
+            WriteTga("a.tga", 1, 1, 1, {200});
+        }
+    }
+    void TearDown() override {
+        if (Ready) {
+            Terrain.Free();
+            EXPECT_EQ(GTextureByName.Find("a.tga"), nullptr);
+            EXPECT_EQ(GPhyWorld->getNumCollisionObjects(), 0);
+            ShaderLibFree();
+            PhyFree();
+        }
+        GlFixture::TearDown();
     }
 
-    // Everything that a level does with its terrain.
-    void UseAll() {
-        Terrain.RebuildTree();
+    static UINT8 Sample(UINT32 x, UINT32 y) { return static_cast<UINT8>(255 * Hills(x, y)); }
+
+    // What the load of a terrain file with this text prints.
+    std::string Load(const std::string& Text) {
+        WriteText("t.ter", Text);
+        testing::internal::CaptureStdout();
+        Terrain.Load("t.ter");
+        return testing::internal::GetCapturedStdout();
+    }
+    std::string LoadPicture(UINT32 Width, UINT32 Height) {
+        std::vector<UINT8> Pixels(std::size_t{Width} * Height);
+        for (UINT32 i = 0; i < Pixels.size(); i++) {
+            Pixels[i] = Sample(i % Width, i / Width);
+        }
+        WriteTga("h.tga", static_cast<int>(Width), static_cast<int>(Height), 1, Pixels);
+        return Load("h.tga\na.tga\na.tga\na.tga a.tga\n");
+    }
+
+    // The terrain has this many samples along a side, and everything that a level does with it can be done.
+    void ExpectUsable(UINT32 Side) {
+        EXPECT_TRUE(Terrain.Width == Side && Terrain.Height == Side);
+        EXPECT_EQ(Terrain.LeafColumns() * Terrain.LeafRows(), Side ? 256u : 0u);
+        EXPECT_EQ(Terrain.Heights && Terrain.Body && Terrain.VertexBuffer && Terrain.NormalMap, Side > 0);
         Terrain.Raise({10, 20, 0}, 300, 1, 20, true);
         Terrain.Flatten({10, 20, 0}, 300, 1, 0.5f, false);
+        Terrain.RebuildTree();
         Terrain.RebuildGeometry();
-        Terrain.TraceRay({{0, 0, 500}, {0, 0, -1}}, 1000);
         Terrain.DrawBrush({0, 0, 0}, 100, 1, false);
-        Terrain.Visible(true);
-        Terrain.SetLods({0, 0, 0}, 100);
+        EXPECT_EQ(Terrain.TraceRay({{0, 0, 500}, {0, 0, -1}}, 1000) > 0, Side > 0);
         Terrain.Draw();
-        btRigidBody* Ball = PhyAddCapsuleBody(10, 0, 0, 0, 100, true);
         PhyStep(1.0f / 60);
-        PhyRemoveBody(Ball);
     }
 
-    static INT32 BufferSize(UINT32 Target, UINT32 Buffer) {
-        INT32 Bytes = 0;
-        glBindBuffer(Target, Buffer);
-        glGetBufferParameteriv(Target, GL_BUFFER_SIZE, &Bytes);
-        glBindBuffer(Target, 0);
-        return Bytes;
-    }
+    STerrain Terrain;
 };
-
-struct SSize {
-    UINT32 Width, Height;
-    UINT32 Side; // what is used of it
-};
-
-class TerrainSizeTest : public TerrainLoadTest, public ::testing::WithParamInterface<SSize> {};
-
-std::string SizeText(UINT32 Width, UINT32 Height) {
-    return std::to_string(Width) + " x " + std::to_string(Height);
-}
 
 } // namespace
 
-TEST_P(TerrainSizeTest, LoadsWhatFitsAndNeverCrashes) {
-    const SSize& Size = GetParam();
-    WritePicture(Size.Width, Size.Height);
-    std::string Expected;
-    if (Size.Side == 0) {
-        Expected = "Terrain picture \"h.tga\" is " + SizeText(Size.Width, Size.Height) + ", the least is 33 x 33\n";
-    } else if (Size.Width != Size.Side || Size.Height != Size.Side) {
-        Expected = "Terrain picture \"h.tga\" is " + SizeText(Size.Width, Size.Height) + ", only " +
-                   SizeText(Size.Side, Size.Side) + " of it can be used\n";
+TEST_F(TerrainLoadTest, EverySizeLoadsWhatFitsAndStaysCallable) {
+    const UINT32 Sizes[][3] = {{1, 1, 0},     {5, 3, 0},     {33, 32, 0},     {33, 33, 33},       {64, 64, 33},
+                               {513, 40, 33}, {40, 513, 33}, {257, 257, 257}, {4097, 2050, 2049}, {65, 65, 65}};
+    for (const auto& [Width, Height, Side] : Sizes) {
+        const auto Text = [](UINT32 w, UINT32 h) { return std::to_string(w) + " x " + std::to_string(h); };
+        const std::string Rest =
+            Side ? ", only " + Text(Side, Side) + " of it can be used\n" : ", the least is 33 x 33\n";
+        EXPECT_EQ(LoadPicture(Width, Height),
+                  Width == Side && Height == Side ? "" : "Terrain picture \"h.tga\" is " + Text(Width, Height) + Rest);
+        for (UINT32 i = 0; i < Side * Side; i += 17) {
+            ASSERT_NEAR(Terrain.Heights[i], Sample(i % Side, i / Side) / 255.0, 1e-6);
+        }
+        ExpectUsable(Side);
     }
-    EXPECT_EQ(Load("t.ter"), Expected);
-    EXPECT_EQ(Terrain.Width, Size.Side);
-    EXPECT_EQ(Terrain.Height, Size.Side);
-    EXPECT_EQ(Terrain.MinPartSize, Size.Side / 16);
-    EXPECT_EQ(Terrain.LeafColumns() * Terrain.LeafRows(), Size.Side ? 256u : 0u);
-    for (UINT32 i = 0; i < Size.Side * Size.Side; i += 17) {
-        ASSERT_NEAR(Terrain.Heights[i], Sample(i % Size.Side, i / Size.Side) / 255.0, 1e-6);
-    }
-    UseAll();
-    Terrain.Free();
-    ExpectEmpty();
-    Terrain.Free();
-    UseAll();
-}
-
-INSTANTIATE_TEST_SUITE_P(Sizes, TerrainSizeTest,
-                         ::testing::Values(SSize{1, 1, 0}, SSize{5, 3, 0}, SSize{16, 16, 0}, SSize{17, 17, 0},
-                                           SSize{33, 32, 0}, SSize{33, 33, 33}, SSize{64, 64, 33}, SSize{65, 65, 65},
-                                           SSize{513, 40, 33}, SSize{40, 513, 33}, SSize{257, 257, 257},
-                                           SSize{300, 300, 257}, SSize{513, 513, 513}, SSize{4097, 2050, 2049}));
-
-TEST_F(TerrainLoadTest, FillsEverything) {
-    WritePicture(257, 257);
-    Terrain.Extents = {1000, 1000, 100};
-    EXPECT_EQ(Load("t.ter"), "");
-    EXPECT_EQ(Terrain.MinPartSize, 16u);
-    EXPECT_TRUE(Terrain.FileName == "t.ter");
-    ASSERT_NE(Terrain.Body, nullptr);
-    EXPECT_EQ(GPhyWorld->getNumCollisionObjects(), 1);
-    EXPECT_EQ(Terrain.DetailMap2N, GTextureByName.Find("d.tga")->value->Id);
-    EXPECT_EQ(Terrain.LightMap, 0u);
-    EXPECT_EQ(BufferSize(GL_ARRAY_BUFFER, Terrain.VertexBuffer), 257 * 257 * 20);
-    EXPECT_EQ(BufferSize(GL_ELEMENT_ARRAY_BUFFER, Terrain.IndexBuffer),
-              static_cast<INT32>(4 * (Terrain.IndexOffset[4 * TERRAIN_MASKS] + 6)));
-
-    std::vector<UINT32> Normals(256 * 256);
+    std::vector<UINT32> Normals(64 * 64);
     Terrain.FillNormals(Normals.data());
-    const std::vector<UINT8> Bytes = ReadTexture(Terrain.NormalMap, 256, 256);
-    EXPECT_EQ(std::memcmp(Bytes.data(), Normals.data(), Bytes.size()), 0);
+    EXPECT_EQ(std::memcmp(ReadTexture(Terrain.NormalMap, 64, 64).data(), Normals.data(), 4 * 64 * 64), 0);
+    Terrain.Load("missing.ter");
+    ExpectUsable(0);
 }
 
-TEST_F(TerrainLoadTest, LoadingAgainReplacesEverything) {
-    WritePicture(257, 257);
-    Load("t.ter");
-    WritePicture(65, 65);
-    EXPECT_EQ(Load("t.ter"), "");
-    EXPECT_EQ(Terrain.Width, 65u);
-    EXPECT_EQ(GPhyWorld->getNumCollisionObjects(), 1);
-    EXPECT_EQ(GTextureByName.Find("a.tga")->value->RefCount, 1);
-    EXPECT_EQ(Load("missing.ter"), "");
-    ExpectEmpty();
-    EXPECT_EQ(GPhyWorld->getNumCollisionObjects(), 0);
-}
-
-TEST_F(TerrainLoadTest, FilesThatCannotBeOpenedLeaveItEmptyWithoutALine) {
-    EXPECT_EQ(Load("missing.ter"), "");
-    EXPECT_EQ(Load(""), "");
-    EXPECT_EQ(Load(nullptr), "");
-    ExpectEmpty();
-}
-
-TEST_F(TerrainLoadTest, BadFilesAndPicturesAreToldAndLeaveItEmpty) {
-    WriteText("few.ter", "h.tga a.tga\n");
-    EXPECT_EQ(Load("few.ter"), "Terrain file \"few.ter\" has 2 words, it needs 5\n");
-    WriteText("t.ter", "missing.tga a.tga b.tga c.tga d.tga");
-    EXPECT_EQ(Load("t.ter"), "Texture \"missing.tga\" loading failed..\n");
+TEST_F(TerrainLoadTest, BadInputIsToldAndLeavesItEmptyAndCallable) {
+    const std::string Long(1 << 20, 'x');
     WriteText("broken.png", "\x89PNG and no more");
-    WriteText("t.ter", "broken.png a.tga b.tga c.tga d.tga");
-    EXPECT_EQ(Load("t.ter"), "Texture \"broken.png\" loading failed..\n");
-    // A folder instead of a picture.
-    WriteText("t.ter", "Data a.tga b.tga c.tga d.tga");
-    EXPECT_EQ(Load("t.ter"), "Texture \"Data\" loading failed..\n");
-    ExpectEmpty();
-}
-
-TEST_F(TerrainLoadTest, AFolderInsteadOfAFileEnds) {
-    Load("Data");
-    ExpectEmpty();
-}
-
-TEST_F(TerrainLoadTest, ExtentsThatAreNoSizeAreToldAndLeaveItEmpty) {
-    WritePicture(33, 33);
-    for (const Vec3& Extents : {Vec3{0, 100, 10}, Vec3{100, -1, 10}, Vec3{100, 100, -1}, Vec3{NAN, 100, 10},
-                                Vec3{100, 3.4028235e38f, 10}, Vec3{0, 0, 0}}) {
+    const std::pair<std::string, std::string> Files[] = {
+        {"", "Terrain file \"t.ter\" has 0 words, it needs 5\n"},
+        {"h a\n\t", "Terrain file \"t.ter\" has 2 words, it needs 5\n"},
+        {"h a " + Long + " c d", "Terrain file \"t.ter\": word 3 is longer than 4095 characters\n"},
+        {"missing.tga a b c d", "Texture \"missing.tga\" loading failed..\n"},
+        {"broken.png a b c d", "Texture \"broken.png\" loading failed..\n"},
+        {"Data a b c d", "Texture \"Data\" loading failed..\n"}};
+    for (const auto& [Text, Line] : Files) {
+        EXPECT_EQ(Load(Text), Line);
+        ExpectUsable(0);
+    }
+    for (const Vec3& Extents : {Vec3{0, 9, 9}, Vec3{9, -1, 9}, Vec3{9, 9, -1}, Vec3{NAN, 9, 9}, Vec3{9, 3e38f, 9}}) {
         Terrain.Extents = Extents;
-        EXPECT_EQ(Load("t.ter").rfind("Terrain \"t.ter\" cannot have the size ", 0), 0u);
-        ExpectEmpty();
-        UseAll();
+        EXPECT_EQ(LoadPicture(33, 33).rfind("Terrain \"t.ter\" cannot have the size ", 0), 0u);
+        ExpectUsable(0);
     }
-    Terrain.Extents = {100, 100, 0};
-    EXPECT_EQ(Load("t.ter"), "");
-    EXPECT_EQ(Terrain.Width, 33u);
+    Terrain.Extents = {100, 100, 10};
+    EXPECT_EQ(Load("h.tga x a.tga y a.tga"), "Texture \"x\" loading failed..\nTexture \"y\" loading failed..\n");
+    ExpectUsable(33);
 }
 
-TEST_F(TerrainLoadTest, MissingDetailTexturesAreToldAndGivenBack) {
-    WritePicture(33, 33);
-    WriteText("t.ter", "h.tga x y z d.tga");
-    for (int i = 0; i < 2; i++) {
-        EXPECT_EQ(Load("t.ter"), "Texture \"x\" loading failed..\nTexture \"y\" loading failed..\n"
-                                 "Texture \"z\" loading failed..\n");
-        EXPECT_EQ(Terrain.DetailMap, 0u);
-        EXPECT_NE(Terrain.DetailMap2N, 0u);
-        Terrain.Free();
+TEST(TerrainFileTest, AnyBytesAreTheWordsThatAStreamReads) {
+    const std::string Good = "Data/h.png\r\na.png\t\tb.png\n\nc.png d.png sixth";
+    SRandom Random;
+    for (std::size_t i = 0; i < 4 * Good.size(); i++) {
+        std::string Text = Good.substr(0, i);
+        if (i > Good.size()) {
+            Text[Random.Source() % Text.size()] = static_cast<char>(Random.Source() % 255 + 1);
+        }
+        std::istringstream Stream(Text);
+        STerrainFile File;
+        testing::internal::CaptureStdout();
+        const INT32 Ok = ParseTerrainFile("a.ter", Text.c_str(), File);
+        EXPECT_EQ(testing::internal::GetCapturedStdout().empty(), Ok != 0);
+        std::string Word;
+        for (const GString* Found :
+             {&File.Picture, File.Details, File.Details + 1, File.Details + 2, File.Details + 3}) {
+            Stream >> Word;
+            EXPECT_TRUE(!Ok || *Found == Word.c_str()) << Text;
+        }
+        EXPECT_EQ(Ok != 0, !Stream.fail()) << Text;
     }
 }
 
-TEST_F(TerrainLoadTest, PointsBeyondTheGridStopTheProgram) {
-    MakeGround(Terrain, 33, Hills);
-    EXPECT_FATAL(Terrain.GetPoint(33, 0), "x < Width && y < Height");
-    EXPECT_FATAL(Terrain.GetPoint(0, 33), "x < Width && y < Height");
-    EXPECT_FATAL(STerrain().GetPoint(0, 0), "x < Width && y < Height");
+TEST_F(TerrainLoadTest, DrawsTheGroundWhereItIsAndWithoutGaps) {
+    // What the ground shows is its texture coordinate.
+    WriteShaders("Terrain",
+                 "uniform mat4 WorldMatrix; void main() { gl_TexCoord[0] = gl_MultiTexCoord0;"
+                 "gl_Position = ProjectionMatrix * (ViewMatrix * (WorldMatrix * gl_Vertex)); }",
+                 "Terrain", "void main() { gl_FragColor = vec4(0.0, gl_TexCoord[0].xy, 1.0); }");
+    Terrain.Extents = {400, 400, 20};
+    ASSERT_EQ(LoadPicture(257, 257), "");
+    // From above the middle; the ground is larger than the picture.
+    GCamera.Eye = {0, 0, 300};
+    GCamera.Target = {0, 0, 0};
+    GCamera.Up = {0, 1, 0};
+    GCamera.Fov = 60;
+    GCamera.Aspect = 1.0f * WINDOW_WIDTH / WINDOW_HEIGHT;
+    GCamera.Far = 1000;
+    M_CameraLookAt(GViewMatrix);
+    M_Mat4Perspective(GProjectionMatrix, 60 * 3.14159265f / 180, GCamera.Aspect, GCamera.Near, GCamera.Far);
+    Terrain.Visible(false);
+    for (const float Range : {2000.0f, 900.0f, 700.0f, 0.0f}) {
+        ClearWindow(1, 0, 0);
+        Terrain.SetLods({-300, -200, 0}, Range);
+        Terrain.Bind(false, false);
+        Terrain.DrawLeaves();
+        Terrain.Unbind();
+        const SPicture Picture = ReadWindow();
+        // The last level has no triangles.
+        const int Background = Range > 0 ? 0 : 255;
+        for (std::size_t i = 0; i < Picture.Rgb.size(); i += 3) {
+            ASSERT_EQ(Picture.Rgb[i], Background) << Range;
+        }
+    }
+    Terrain.Draw();
+    for (int i = 0; i < 9; i++) {
+        GMousePos = {100.5f + 400.0f * static_cast<float>(i % 3), 80.5f + 200.0f * static_cast<float>(i / 3)};
+        Ray Pick;
+        M_CameraPickRay(Pick);
+        const Vec3 Ground = Pick.Origin + Pick.Dir * Terrain.TraceRay(Pick, 2000);
+        const SRgb Found = ReadWindow().At(static_cast<int>(GMousePos.x), static_cast<int>(GMousePos.y));
+        // Coarser levels of detail lie a little above or below what the ray hits.
+        EXPECT_NEAR(Found.G, (Ground.x / 800 + 0.5f) * 257 / 256 * 255, 4);
+        EXPECT_NEAR(Found.B, (Ground.y / 800 + 0.5f) * 257 / 256 * 255, 4);
+    }
 }
