@@ -60,11 +60,11 @@ Build() {
     }
 }
 
-# StartDisplay: a virtual display with a window manager, software GL and silent sound for everything that follows.
-# StopDisplay ends it; a script that starts one traps its exit with it.
+# StartDisplay: a virtual display that outlives its clients, with a window manager, software GL and silent sound for
+# everything that follows. StopDisplay ends it; a script that starts one traps its exit with it.
 StartDisplay() {
     DisplayFolder=$(mktemp -d)
-    Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$DisplayFolder/number" 2>"$DisplayFolder/xvfb.log" &
+    Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>"$DisplayFolder/number" 2>"$DisplayFolder/xvfb.log" &
     DisplayServer=$!
     local Tries
     for ((Tries = 0; Tries < 100; ++Tries)); do
