@@ -22,7 +22,7 @@ protected:
 using LevelDeathTest = Level;
 
 TEST_F(LevelDeathTest, BrokenFilesAreFatalInTheseWords) {
-    setenv("ASAN_OPTIONS", "detect_leaks=0", 0); // the process that is expected to end takes nothing down
+    setenv("ASAN_OPTIONS", "detect_leaks=0", 1); // the process that is expected to end takes nothing down
     const std::pair<const char*, const char*> CASES[] = {
         {"WLMG\nterrain sx=1\n", "CLevel::LoadSourceLevel - Wrong file type - A.wlm\n"},
         {"WLMF\nterrain sx=1\nlamp x=1\n", "CLevel::LoadLevel - Wrong definition type lamp in A.wlm\n"},
