@@ -1,0 +1,167 @@
+// The game's own files as the build made them: generated alike each time, complete, grounds that repeat without a
+// seam, slopes that ride without stairs, skies that fit their level's sun and fog.
+#include "terrain/TerrainFile.h"
+#include "world/LevelFile.h"
+
+#include <IL/il.h>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string GamePath(const std::string& Relative) {
+    return SLOPERUSH_GAME_DIR "/" + Relative;
+}
+
+std::string FileBytes(const fs::path& Path) {
+    std::ifstream File(Path, std::ios::binary);
+    EXPECT_TRUE(File.is_open()) << Path;
+    return std::string(std::istreambuf_iterator<char>(File), {});
+}
+
+// RGBA as the engine sees it.
+struct SGamePicture {
+    explicit SGamePicture(const GString& Relative) {
+        ilInit();
+        ilBindImage(ilGenImage());
+        EXPECT_TRUE(ilLoadImage(GamePath(Relative.CStr()).c_str())) << Relative.CStr();
+        ilConvertImage(IL_RGBA, IL_UNSIGNED_BYTE);
+        Width = ilGetInteger(IL_IMAGE_WIDTH);
+        Height = ilGetInteger(IL_IMAGE_HEIGHT);
+        Rgba.assign(ilGetData(), ilGetData() + Width * Height * 4);
+    }
+    // One channel at a place; places beyond the edges are found on the other side.
+    int At(int x, int y, int Channel) const {
+        return Rgba[static_cast<std::size_t>((y % Height * Width + x % Width) * 4 + Channel)];
+    }
+    int Brightness(int x, int y) const { return At(x, y, 0) + At(x, y, 1) + At(x, y, 2); }
+
+    int Width, Height;
+    std::vector<UINT8> Rgba;
+};
+
+class GameFiles : public testing::Test {
+protected:
+    void SetUp() override {
+        for (const auto& Entry : fs::directory_iterator(GamePath("Data/Levels"))) {
+            // Levels that a maker saved lie beside the shipped ones.
+            if (Entry.path().extension() == ".wlm" && Entry.path().filename().string()[0] != '_') {
+                GArray<SEntityDef> Defs;
+                GString BadWord;
+                SLevelParams Params;
+                ASSERT_EQ(ReadLevelText(FileBytes(Entry.path()).c_str(), Params, Defs, BadWord), ELevelText::Good);
+                const char* Path = Params.TerrainFile.CStr();
+                Terrains.emplace_back();
+                ASSERT_EQ(ParseTerrainFile(Path, FileBytes(GamePath(Path)).c_str(), Terrains.back()), 1);
+                Levels.push_back(Params);
+            }
+        }
+        ASSERT_FALSE(Levels.empty());
+    }
+
+    std::vector<SLevelParams> Levels;
+    std::vector<STerrainFile> Terrains; // one per level
+};
+
+TEST(AssetGen, MakesTheBytesThatTheBuildMadeAndRefusesWhatItDoesNotKnow) {
+    const fs::path Folder = fs::temp_directory_path() / ("assetgen-" + std::to_string(getpid()));
+    fs::create_directories(Folder);
+    EXPECT_NE(std::system((SLOPERUSH_ASSETGEN " " + Folder.string() + " Nowhere.png 2>/dev/null").c_str()), 0);
+    EXPECT_TRUE(fs::is_empty(Folder));
+    EXPECT_EQ(std::system((SLOPERUSH_ASSETGEN " " + Folder.string()).c_str()), 0);
+    EXPECT_FALSE(fs::is_empty(Folder));
+    for (const auto& Entry : fs::recursive_directory_iterator(Folder)) {
+        const std::string Built = GamePath("Data/" + fs::relative(Entry.path(), Folder).string());
+        EXPECT_TRUE(Entry.is_directory() || FileBytes(Entry.path()) == FileBytes(Built)) << Built;
+    }
+    fs::remove_all(Folder);
+}
+
+TEST_F(GameFiles, LevelsAndTerrainFilesNameFilesThatExist) {
+    for (std::size_t i = 0; i < Levels.size(); ++i) {
+        const STerrainFile& Terrain = Terrains[i];
+        for (const GString& Path : {Levels[i].SkyFile, Terrain.Picture, Terrain.Details[0], Terrain.Details[1],
+                                    Terrain.Details[2], Terrain.Details[3]}) {
+            EXPECT_TRUE(fs::is_regular_file(GamePath(Path.CStr()))) << Path.CStr();
+        }
+    }
+}
+
+// The step from the last row or column to the first is none larger than the steps inside.
+TEST_F(GameFiles, GroundsRepeatWithoutASeam) {
+    for (const STerrainFile& Terrain : Terrains) {
+        for (const GString& Path : Terrain.Details) {
+            SCOPED_TRACE(Path.CStr());
+            const SGamePicture Picture(Path);
+            std::vector<int> Rows(Picture.Height), Columns(Picture.Width);
+            for (int i = 0; i < Picture.Width * Picture.Height * 4; ++i) {
+                const int x = i / 4 % Picture.Width, y = i / 4 / Picture.Width, Here = Picture.At(x, y, i % 4);
+                Rows[y] += std::abs(Here - Picture.At(x, y + 1, i % 4));
+                Columns[x] += std::abs(Here - Picture.At(x + 1, y, i % 4));
+            }
+            EXPECT_LE(Rows.back(), *std::max_element(Rows.begin(), Rows.end() - 1));
+            EXPECT_LE(Columns.back(), *std::max_element(Columns.begin(), Columns.end() - 1));
+        }
+    }
+}
+
+// The stretch of equal heights around a column.
+struct SRun {
+    SRun(const SGamePicture& Picture, int Column, int Row)
+        : Level(Picture.At(Column, Row, 0)), First(Column), End(Column) {
+        for (; First > 0 && Picture.At(First - 1, Row, 0) == Level; --First) {
+        }
+        for (; End < Picture.Width && Picture.At(End, Row, 0) == Level; ++End) {
+        }
+    }
+    int Level, First, End;
+};
+
+TEST_F(GameFiles, TheRideIsLevelAcrossAndClimbsByWholeLevels) {
+    constexpr int LEAST_WIDTH = 15; // samples
+    for (const STerrainFile& Terrain : Terrains) {
+        const SGamePicture Picture(Terrain.Picture);
+        ASSERT_EQ(Picture.Width, Picture.Height);
+        // The run ends at -0.8 of the half size and starts near 0.9. The ride is the widest stretch of its first row.
+        const int First = Picture.Height / 10, Last = Picture.Height * 95 / 100;
+        SRun Below(Picture, Picture.Width / 4, First);
+        for (int x = Picture.Width / 4; x < Picture.Width * 3 / 4; ++x) {
+            const SRun Run(Picture, x, First);
+            Below = Run.End - Run.First > Below.End - Below.First ? Run : Below;
+        }
+        const int Lowest = Below.Level;
+        for (int Row = First + 1; Row <= Last; ++Row) {
+            const SRun Run(Picture, (Below.First + Below.End) / 2, Row);
+            EXPECT_GE(Run.End - Run.First, LEAST_WIDTH) << "row " << Row;
+            EXPECT_GE(Run.Level, Below.Level) << "row " << Row;
+            EXPECT_LE(Run.Level, Below.Level + 2) << "row " << Row;
+            Below = Run;
+        }
+        EXPECT_GT(Below.Level - Lowest, (Last - First) / 2);
+    }
+}
+
+TEST_F(GameFiles, SkiesAreBrightestAtTheSunAndEndInTheFogBelowTheHorizon) {
+    for (const SLevelParams& Level : Levels) {
+        const SGamePicture Sky(Level.SkyFile);
+        ASSERT_EQ(Sky.Width, Sky.Height * 2);
+        const int SunX = static_cast<int>(Level.LightDir_Angle / (2 * M_PI) * Sky.Width);
+        const int SunY = static_cast<int>((1 - Level.LightDir_Pitch / M_PI) * Sky.Height);
+        const int Sun = Sky.Brightness(SunX, SunY);
+        EXPECT_LT(Sky.Brightness(SunX + Sky.Width / 2, SunY), Sun - 76);
+        const float Fog[3] = {Level.FogColor_R, Level.FogColor_G, Level.FogColor_B};
+        for (int i = 0; i < Sky.Width * Sky.Height; ++i) {
+            ASSERT_LE(Sky.Brightness(i % Sky.Width, i / Sky.Width), Sun + 5) << i;
+            const int Row = Sky.Height * 35 / 100; // 27 degrees down
+            ASSERT_NEAR(Sky.At(i % Sky.Width, Row, i % 3), Fog[i % 3] * 255, 7) << i;
+        }
+    }
+}
+
+} // namespace
