@@ -57,6 +57,7 @@ public:
     void RenderScene(float BlendDelta, bool ShadowPass);
     void RenderSunShadow(float BlendDelta);
     void RenderTerrainShadow();
+    void DrawPhysicsLines();
     void PostProcess();
     void SetSunLight();
     void SetSunCamera() const;

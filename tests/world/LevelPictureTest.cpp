@@ -100,6 +100,16 @@ TEST_F(LevelPicture, SkyAndSunAreSeenByDirectionAndTurnWithGravity) {
     EXPECT_NEAR(Lit.B, Dark.B, 1);
 }
 
+TEST_F(LevelPicture, PhysicsLinesShowOnRequest) {
+    LoadText("WLMF\n" + FlatGround(51));
+    const SPicture Plain = DrawnFrom({0, 0, 100}, {1, 0, -0.3f});
+    GPhyShowDebug = 1;
+    const SPicture Lined = DrawnFrom({0, 0, 100}, {1, 0, -0.3f});
+    GPhyShowDebug = 0;
+    EXPECT_GT(MeanDifference(Plain, Lined), GATE);
+    EXPECT_EQ(MeanDifference(Plain, DrawnFrom({0, 0, 100}, {1, 0, -0.3f})), 0) << "the lines leave no state behind";
+}
+
 // The ground in green before magenta, with the levels of detail that the last query chose.
 void DrawPlainLeaves(STerrain& Ground) {
     glUseProgram(0);

@@ -1,10 +1,12 @@
 // One picture of a level: shadow map of the sun, the scene into SceneRT, and one full-screen draw into the window.
 #include "graphics/ShaderLib.h"
+#include "physics/Physics.h"
 #include "scene/DrawHelpers.h"
 #include "terrain/Terrain.h"
 #include "world/GameLevel.h"
 
 #include <GL/glew.h>
+#include <btBulletDynamicsCommon.h>
 
 static constexpr float DEGREES = 3.1415927f / 180.0f; // in radians
 
@@ -56,6 +58,9 @@ void CLevel::RenderScene(float, bool ShadowPass) {
     Sky.Draw(GravityRotation());
     DrawSun();
     glDepthRange(0.0, 1.0);
+    if (GPhyShowDebug) {
+        DrawPhysicsLines();
+    }
 }
 
 void CLevel::RenderTerrainShadow() {
@@ -70,6 +75,15 @@ void CLevel::RenderTerrainShadow() {
     ShaderSendWorldMatrix(ShadowProgram);
     Terrain->DrawLeaves();
     Terrain->Unbind();
+}
+
+// The wires of all bodies near the eye, hidden where the scene stands before them.
+void CLevel::DrawPhysicsLines() {
+    const UINT32 Program = ShaderGetProgram("ColorOnly", "ColorOnly");
+    glUseProgram(Program);
+    ShaderSendViewMatrix(Program);
+    ShaderSendProjectionMatrix(Program);
+    GPhyWorld->debugDrawWorld();
 }
 
 void CLevel::PostProcess() {
