@@ -2,18 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
 #include <vector>
 
 namespace {
 
-GArray<UINT8> BytesOf(const std::vector<UINT8>& Values) {
-    GArray<UINT8> Bytes;
-    for (const UINT8 Value : Values) {
-        Bytes.Add(Value);
-    }
-    return Bytes;
-}
+using FBytes = std::vector<UINT8>;
 
 // The smallest writer: takes bytes into a vector.
 class FTestWriter : public FArchive {
@@ -23,12 +17,23 @@ public:
         const UINT8* From = static_cast<UINT8*>(Data);
         Written.insert(Written.end(), From, From + Size);
     }
-    std::vector<UINT8> Written;
+    FBytes Written;
 };
 
-TEST(GArchiveTest, ReadsTheMostSignificantByteFirst) {
-    GArray<UINT8> Bytes = BytesOf({0x12, 0x34, 0x56, 0x78, 0xFF, 0xFF, 0xFF, 0xFE, 0x3F, 0xC0, 0, 0});
-    FByteReader Reader(Bytes);
+class GArchiveTest : public testing::Test {
+protected:
+    void Fill(const FBytes& Values) {
+        Bytes.Resize(static_cast<UINT32>(Values.size()));
+        std::copy(Values.begin(), Values.end(), Bytes.begin());
+    }
+    GArray<UINT8> Bytes;
+    FByteReader Reader{Bytes};
+    FTestWriter Writer;
+};
+
+TEST_F(GArchiveTest, TheMostSignificantByteComesFirst) {
+    const FBytes Values = {0x12, 0x34, 0x56, 0x78, 0xFF, 0xFF, 0xFF, 0xFE, 0x3F, 0xC0, 0, 0};
+    Fill(Values);
     UINT32 Unsigned = 0;
     INT32 Signed = 0;
     float Real = 0;
@@ -37,94 +42,41 @@ TEST(GArchiveTest, ReadsTheMostSignificantByteFirst) {
     EXPECT_EQ(Signed, -2);
     EXPECT_EQ(Real, 1.5f);
     EXPECT_TRUE(Reader.AtEnd());
+    Writer << Unsigned << Signed << Real;
+    EXPECT_EQ(Writer.Written, Values);
+    EXPECT_TRUE(Writer.Tell() == -1 && Writer.Size() == -1 && Writer.AtEnd());
 }
 
-TEST(GArchiveTest, WritesTheMostSignificantByteFirst) {
-    FTestWriter Writer;
-    UINT32 Unsigned = 0x01020304;
-    float Real = -2.0f;
-    Writer << Unsigned << Real;
-    EXPECT_EQ(Writer.Written, (std::vector<UINT8>{1, 2, 3, 4, 0xC0, 0, 0, 0}));
-}
-
-TEST(GArchiveTest, ShortReadGivesWhatIsThere) {
-    GArray<UINT8> Bytes = BytesOf({1, 2, 3, 4});
-    FByteReader Reader(Bytes);
-    UINT8 Read[10] = {9, 9, 9, 9, 9, 9, 9, 9, 9, 9};
-    Reader.Serialize(Read, sizeof(Read));
-    EXPECT_EQ(std::vector<UINT8>(Read, Read + 10), (std::vector<UINT8>{1, 2, 3, 4, 9, 9, 9, 9, 9, 9}));
-    EXPECT_EQ(Reader.Tell(), 4);
-    EXPECT_TRUE(Reader.AtEnd());
-}
-
-TEST(GArchiveTest, ReadAtTheEndGivesNothing) {
-    GArray<UINT8> Bytes;
-    FByteReader Reader(Bytes);
-    UINT32 Value = 77;
-    Reader << Value;
-    EXPECT_EQ(Value, 77u);
-    EXPECT_EQ(Reader.Tell(), 0);
-    EXPECT_TRUE(Reader.AtEnd());
-}
-
-TEST(GArchiveTest, ReadBeyondAnArrayThatShrankGivesNothing) {
-    GArray<UINT8> Bytes = BytesOf({1, 2, 3, 4, 5});
-    FByteReader Reader(Bytes);
-    UINT32 Value = 0;
-    Reader << Value;
-    Bytes.Resize(2);
-    UINT8 Next = 6;
-    Reader.Serialize(&Next, 1);
-    EXPECT_EQ(Next, 6);
-    EXPECT_EQ(Reader.Tell(), 4);
-}
-
-TEST(GArchiveTest, SeekDoesNothing) {
-    GArray<UINT8> Bytes = BytesOf({1, 2});
-    FByteReader Reader(Bytes);
-    Reader.Seek(1);
-    EXPECT_EQ(Reader.Tell(), 0);
-    EXPECT_EQ(Reader.Size(), 2);
+TEST_F(GArchiveTest, ShortReadGivesWhatIsThere) {
+    Fill({1, 2, 3, 4});
+    Reader.Seek(1); // does nothing
     EXPECT_FALSE(Reader.AtEnd());
+    FBytes Read(6, 9);
+    for (int Round = 0; Round < 3; ++Round) {
+        Reader.Serialize(Read.data(), 6); // then at the end, then beyond it
+        EXPECT_EQ(Read, (FBytes{1, 2, 3, 4, 9, 9}));
+        EXPECT_EQ(Reader.Tell(), 4);
+        EXPECT_TRUE(Round == 2 || Reader.AtEnd());
+        Bytes.Resize(Round == 0 ? 4 : 2);
+    }
 }
 
-TEST(GArchiveTest, BaseClassIsAlwaysAtItsEnd) {
-    FTestWriter Writer;
-    EXPECT_EQ(Writer.Tell(), -1);
-    EXPECT_EQ(Writer.Size(), -1);
-    EXPECT_TRUE(Writer.AtEnd());
+TEST_F(GArchiveTest, CopiesAWholeArchiveOrNothingOfAnEmptyOne) {
+    for (const FBytes& Values : {FBytes{5, 6, 7}, FBytes{}}) {
+        Fill(Values);
+        Reader.Position = 0;
+        Writer.Written.clear();
+        static_cast<FArchive&>(Writer) << static_cast<FArchive&>(Reader);
+        EXPECT_EQ(Writer.Written, Values);
+        GArray<UINT8> Taken;
+        Taken.Resize(2);
+        FByteReader Again(Bytes), Other(Taken);
+        Other << Again;
+        EXPECT_EQ(FBytes(Taken.begin(), Taken.end()), Values);
+    }
 }
 
-TEST(GArchiveTest, CopiesAWholeArchive) {
-    GArray<UINT8> Bytes = BytesOf({5, 6, 7});
-    FByteReader Reader(Bytes);
-    FTestWriter Writer;
-    static_cast<FArchive&>(Writer) << static_cast<FArchive&>(Reader);
-    EXPECT_EQ(Writer.Written, (std::vector<UINT8>{5, 6, 7}));
-
-    GArray<UINT8> Taken;
-    FByteReader Other(Taken);
-    FByteReader Again(Bytes);
-    Other << Again;
-    EXPECT_EQ(std::vector<UINT8>(Taken.begin(), Taken.end()), (std::vector<UINT8>{5, 6, 7}));
-}
-
-TEST(GArchiveTest, CopiesNothingFromAnEmptyArchive) {
-    GArray<UINT8> Empty;
-    FByteReader Reader(Empty);
-    FTestWriter Writer;
-    static_cast<FArchive&>(Writer) << static_cast<FArchive&>(Reader);
-    EXPECT_TRUE(Writer.Written.empty());
-    GArray<UINT8> Taken = BytesOf({1, 2});
-    FByteReader Other(Taken);
-    Other << Reader;
-    EXPECT_EQ(Taken.Size(), 0u);
-}
-
-TEST(GArchiveDeathTest, ChecksDirections) {
-    GArray<UINT8> Bytes;
-    FByteReader Reader(Bytes);
-    FTestWriter Writer;
+TEST_F(GArchiveTest, ChecksDirections) {
     FArchive& Base = Writer;
     EXPECT_DEATH(Base << Base, "Assertion failed: src.m_bIsReader && m_bIsWriter");
     EXPECT_DEATH(Reader << Base, "Assertion failed: src.m_bIsReader, ");

@@ -3,206 +3,105 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <random>
 #include <string>
-#include <vector>
 
 namespace {
 
-template <class K, class V, class SK, class SV>
-void ExpectEqual(const GMap<K, V>& Map, const std::map<SK, SV>& Expected) {
+using GMapTest = CountedTest;
+
+template <class Node>
+UINT32 Height(const Node* Top) {
+    return Top ? 1 + std::max(Height(Top->child[0]), Height(Top->child[1])) : 0;
+}
+
+// The map's keys are made of numbers by KeyOf, which keeps their order.
+template <class K, class FKeyOf>
+void ExpectEqual(const GMap<K, SCounted>& Map, const std::map<UINT32, int>& Expected, FKeyOf KeyOf) {
     Map.CheckTree();
+    ASSERT_LE(Height(Map.root), 2 * std::log2(Expected.size() + 1));
     auto Wanted = Expected.begin();
-    for (typename GMap<K, V>::Iterator It(Map); It.Valid(); It.Next(), ++Wanted) {
+    for (typename GMap<K, SCounted>::Iterator It(Map); It.Valid(); It.Next(), ++Wanted) {
         ASSERT_NE(Wanted, Expected.end());
-        ASSERT_TRUE(It.Key() == K(Wanted->first));
-        ASSERT_TRUE(It.Value() == V(Wanted->second));
+        ASSERT_TRUE(It.Key() == KeyOf(Wanted->first));
+        ASSERT_EQ(It.Value().Value, Wanted->second);
     }
     ASSERT_EQ(Wanted, Expected.end());
 }
 
-template <class K, class V>
-UINT32 Height(const typename GMap<K, V>::Node* Top) {
-    return Top ? 1 + std::max(Height<K, V>(Top->child[0]), Height<K, V>(Top->child[1])) : 0;
-}
-
-TEST(GMapTest, RandomOperationsMatchAStandardMap) {
-    SCounted::Alive = SCounted::Misused = 0;
-    {
-        std::mt19937 Random(5);
-        GMap<SCounted, SCounted> Map;
-        std::map<int, int> Expected;
-        for (int Step = 0; Step < 20000; ++Step) {
-            const int Range = Step / 5000 % 2 ? 20 : 200;
-            const int Key = static_cast<int>(Random() % Range);
-            const int Value = static_cast<int>(Random());
-            if (Random() % 2) {
-                const auto* Node = Map.Insert(Key, Value);
-                Expected.emplace(Key, Value);
-                ASSERT_EQ(Node->value.Value, Expected[Key]);
-            } else {
-                ASSERT_EQ(Map.Remove(Key), Expected.erase(Key));
-            }
-            const auto* Found = Map.Find(Key);
-            ASSERT_EQ(Found != nullptr, Expected.count(Key) == 1);
-            ASSERT_TRUE(!Found || Found->value.Value == Expected[Key]);
-            ExpectEqual(Map, Expected);
-            ASSERT_EQ(SCounted::Alive, 2 * static_cast<int>(Expected.size()));
-        }
-    }
-    EXPECT_EQ(SCounted::Alive, 0);
-    EXPECT_EQ(SCounted::Misused, 0);
-}
-
-TEST(GMapTest, TextKeysMatchAStandardMap) {
-    std::mt19937 Random(6);
-    GMap<GString, int> Map;
-    std::map<std::string, int> Expected;
-    for (int Step = 0; Step < 5000; ++Step) {
-        const std::string Key = std::string(Random() % 12, 'k') + std::to_string(Random() % 30);
-        if (Random() % 3) {
-            Map.Insert(Key.c_str(), Step);
-            Expected.emplace(Key, Step);
+template <class FKeyOf>
+void CheckRandomOperations(FKeyOf KeyOf) {
+    using K = decltype(KeyOf(0u));
+    std::mt19937 Random(5);
+    GMap<K, SCounted> Map;
+    std::map<UINT32, int> Expected;
+    for (int Step = 0; Step < 8000; ++Step) {
+        ASSERT_NO_FATAL_FAILURE(ExpectEqual(Map, Expected, KeyOf));
+        const UINT32 Number = Random() % (Step / 2000 % 2 ? 20 : 200);
+        const K Key = KeyOf(Number);
+        const auto* Found = Map.Find(Key);
+        ASSERT_EQ(Found != nullptr, Expected.count(Number) == 1);
+        const UINT32 Operation = Random() % 16;
+        if (Operation < 6) {
+            const auto* Node = Map.Insert(Key, Step);
+            ASSERT_TRUE(!Found || Found == Node);
+            ASSERT_EQ(Node->value.Value, Expected.emplace(Number, Step).first->second);
+        } else if (Operation < 8) {
+            ASSERT_EQ(Map[Key].Value, Expected[Number]);
+        } else if (Operation < 15) {
+            ASSERT_EQ(Map.Remove(Found ? Found->key : Key), Expected.erase(Number));
         } else {
-            ASSERT_EQ(Map.Remove(Key.c_str()), Expected.erase(Key));
+            GMap<K, SCounted> Copy(Map);
+            Map.Clear();
+            ASSERT_EQ(Map.root, nullptr);
+            Map.Insert(Key, -1);
+            Map = Copy;
+            Map = static_cast<const GMap<K, SCounted>&>(Map);
         }
-        ASSERT_EQ(Map.Find(Key.c_str()) != nullptr, Expected.count(Key) == 1);
-        Map.CheckTree();
+        const std::size_t PerEntry = std::is_same_v<K, SCounted> ? 2 : 1;
+        ASSERT_EQ(SCounted::Alive - (PerEntry == 2), static_cast<int>(PerEntry * Expected.size()));
     }
-    auto Wanted = Expected.begin();
-    for (GMap<GString, int>::Iterator It(Map); It.Valid(); It.Next(), ++Wanted) {
-        EXPECT_EQ(It.Key(), Wanted->first.c_str());
-        EXPECT_EQ(It.Value(), Wanted->second);
+}
+
+TEST_F(GMapTest, RandomOperationsMatchAStandardMapForEveryKindOfKey) {
+    static int Places[200];
+    CheckRandomOperations([](UINT32 Number) { return SCounted(static_cast<int>(Number)); });
+    CheckRandomOperations([](UINT32 Number) { return (static_cast<float>(Number) - 100) * 0.25f; });
+    CheckRandomOperations([](UINT32 Number) { return &Places[Number]; });
+    CheckRandomOperations(
+        [](UINT32 Number) { return GString((std::string(Number / 3, 'k') + std::to_string(Number % 3)).c_str()); });
+}
+
+GMap<int, int> RisingKeys(int Count) {
+    GMap<int, int> Map;
+    for (int Key = 1; Key <= Count; ++Key) {
+        Map.Insert(Key, 0);
     }
-    EXPECT_EQ(Wanted, Expected.end());
+    return Map;
 }
 
 // Top-down insertion by the book: rising keys, for which the shape can be followed by hand.
-TEST(GMapTest, RisingKeysGiveTheKnownShape) {
-    GMap<int, int> Map;
-    for (int Key = 1; Key <= 6; ++Key) {
-        Map.Insert(Key, 0);
-    }
+TEST(GMapShapeTest, RisingKeysGiveTheKnownShape) {
+    const GMap<int, int> Map = RisingKeys(6);
     ASSERT_EQ(Map.root->key, 2);
     EXPECT_EQ(Map.root->child[0]->key, 1);
-    EXPECT_EQ(Map.root->child[1]->key, 4);
-    EXPECT_EQ(Map.root->child[1]->colour, 1u);
-    EXPECT_EQ(Map.root->child[1]->child[0]->key, 3);
-    EXPECT_EQ(Map.root->child[1]->child[1]->key, 5);
-    EXPECT_EQ(Map.root->child[1]->child[1]->child[1]->key, 6);
-    EXPECT_EQ(Map.root->child[1]->child[1]->child[1]->colour, 1u);
+    const auto* Right = Map.root->child[1];
+    EXPECT_EQ(Right->key, 4);
+    EXPECT_EQ(Right->colour, 1u);
+    EXPECT_EQ(Right->child[0]->key, 3);
+    EXPECT_EQ(Right->child[1]->key, 5);
+    EXPECT_EQ(Right->child[1]->child[1]->key, 6);
+    EXPECT_EQ(Right->child[1]->child[1]->colour, 1u);
 }
 
-TEST(GMapTest, StaysBalanced) {
-    GMap<UINT32, int> Map;
-    constexpr UINT32 COUNT = 10000;
-    for (UINT32 Key = 0; Key < COUNT; ++Key) {
-        Map.Insert(Key, 0);
-    }
-    EXPECT_LE((Height<UINT32, int>(Map.root)), 2 * std::log2(COUNT + 1));
-    for (UINT32 Key = 0; Key < COUNT; Key += 2) {
-        EXPECT_EQ(Map.Remove(Key), 1u);
-    }
-    Map.CheckTree();
-    EXPECT_LE((Height<UINT32, int>(Map.root)), 2 * std::log2(COUNT / 2 + 1) + 2);
-}
-
-TEST(GMapTest, InsertOfAnExistingKeyKeepsItsValue) {
-    GMap<GString, int> Map;
-    auto* First = Map.Insert("tree00", 1);
-    EXPECT_EQ(Map.Insert("tree00", 2), First);
-    EXPECT_EQ(First->value, 1);
-}
-
-TEST(GMapTest, IndexingAMissingKeyAddsIt) {
-    GMap<GString, int> Map;
-    EXPECT_EQ(Map["a"], 0);
-    Map["a"] = 4;
-    EXPECT_EQ(Map["a"], 4);
-    EXPECT_NE(Map.Find("a"), nullptr);
-    EXPECT_EQ(Map.Find("b"), nullptr);
-}
-
-TEST(GMapTest, RemovesByAKeyThatLiesInTheMap) {
-    GMap<GString, int> Map;
-    for (const char* Key : {"d", "b", "f", "a", "c", "e", "g"}) {
-        Map.Insert(Key, 1);
-    }
-    while (Map.root) {
-        const GString Gone = Map.root->key;
-        EXPECT_EQ(Map.Remove(Map.root->key), 1u);
-        EXPECT_EQ(Map.Find(Gone), nullptr);
-        Map.CheckTree();
-    }
-    EXPECT_EQ(Map.Remove("a"), 0u);
-}
-
-TEST(GMapTest, CopiesAreDeep) {
-    GMap<int, GString> Map;
-    std::map<int, const char*> Expected = {{1, "one"}, {2, "two"}, {3, "three"}};
-    for (const auto& [Key, Value] : Expected) {
-        Map.Insert(Key, Value);
-    }
-    GMap<int, GString> Copy(Map);
-    GMap<int, GString> Assigned;
-    Assigned.Insert(9, "nine");
-    Assigned = Map;
-    Map.Find(1)->value = "changed";
-    const GMap<int, GString>& Same = Copy;
-    Copy = Same;
-    Map.Clear();
-    EXPECT_EQ(Map.root, nullptr);
-    ExpectEqual(Copy, Expected);
-    ExpectEqual(Assigned, Expected);
-}
-
-TEST(GMapTest, FloatKeysAreOrderedByNumber) {
-    GMap<float, int> Map;
-    std::map<float, int> Expected;
-    for (const float Key : {3.5f, -1.0f, 0.0f, 1e30f, -2e10f, 0.25f}) {
-        Map.Insert(Key, static_cast<int>(Expected.size()));
-        Expected.emplace(Key, static_cast<int>(Expected.size()));
-    }
-    ExpectEqual(Map, Expected);
-    EXPECT_EQ(Map.Find(-0.0f)->key, 0.0f);
-}
-
-TEST(GMapTest, PointerKeysAreOrderedByAddress) {
-    int Places[8] = {};
-    GMap<int*, int> Map;
-    for (const int At : {5, 2, 7, 0, 1, 6, 3, 4}) {
-        Map.Insert(&Places[At], At);
-    }
-    int Next = 0;
-    for (GMap<int*, int>::Iterator It(Map); It.Valid(); It.Next()) {
-        EXPECT_EQ(It.Value(), Next++);
-    }
-    EXPECT_EQ(Next, 8);
-}
-
-TEST(GMapTest, AnEmptyMapHasNothingToWalk) {
-    GMap<int, int> Map;
-    EXPECT_FALSE((GMap<int, int>::Iterator(Map).Valid()));
-    EXPECT_EQ(Map.Find(1), nullptr);
-    EXPECT_EQ(Map.Remove(1), 0u);
-}
-
-TEST(GMapDeathTest, IndexingFindsRedBelowRed) {
-    GMap<int, int> Map;
-    for (int Key = 1; Key <= 6; ++Key) {
-        Map.Insert(Key, 0);
-    }
+TEST(GMapDeathTest, IndexingFindsBrokenTrees) {
+    GMap<int, int> Map = RisingKeys(6);
     Map.root->child[1]->child[1]->colour = 1;
     EXPECT_DEATH(Map[1], "Assertion failed: !\"Red violation\", file GTemplate");
-}
-
-TEST(GMapDeathTest, IndexingFindsUnevenBlackHeights) {
-    GMap<int, int> Map;
-    for (int Key = 1; Key <= 4; ++Key) {
-        Map.Insert(Key, 0);
-    }
+    Map = RisingKeys(4);
     Map.root->child[0]->colour = 1;
     EXPECT_DEATH(Map[1], "Assertion failed: !\"Black violation\", file GTemplate");
 }

@@ -1,13 +1,15 @@
-// An element type that counts its constructions and destructions, so that a test can say that a container destroys what
-// it made, once.
+// An element type that counts its constructions and destructions, and the fixture that says that a container destroys
+// what it made, once.
 #pragma once
+
+#include <gtest/gtest.h>
 
 struct SCounted {
     static inline int Alive = 0;
+    static inline int Misused = 0;
 
-    SCounted() { ++Alive; }
-    SCounted(int Number) : Value(Number) { ++Alive; }
-    SCounted(const SCounted& Other) : Value(Other.Value), Self(this) {
+    SCounted(int Number = 0) : Value(Number) { ++Alive; }
+    SCounted(const SCounted& Other) : Value(Other.Value) {
         Other.CheckAlive();
         ++Alive;
     }
@@ -26,13 +28,17 @@ struct SCounted {
     bool operator>(const SCounted& Other) const { return Value > Other.Value; }
 
     // An object that was moved as bytes, or used before its construction or after its end, doesn't know its own place.
-    void CheckAlive() const {
-        if (Self != this) {
-            ++Misused;
-        }
-    }
+    void CheckAlive() const { Misused += Self != this; }
 
-    static inline int Misused = 0;
     int Value = 0;
     const SCounted* Self = this;
+};
+
+class CountedTest : public testing::Test {
+protected:
+    void SetUp() override { SCounted::Alive = SCounted::Misused = 0; }
+    void TearDown() override {
+        EXPECT_EQ(SCounted::Alive, 0);
+        EXPECT_EQ(SCounted::Misused, 0);
+    }
 };
