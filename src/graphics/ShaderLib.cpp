@@ -2,7 +2,6 @@
 
 #include <GL/glew.h>
 #include <cstring>
-#include <string_view>
 
 #include "foundation/Diagnostics.h"
 #include "foundation/GCheck.h"
@@ -131,10 +130,6 @@ void DeleteShaders(GMap<GString, SShaderObject>& Shaders) {
 }
 
 } // namespace
-
-std::size_t SStringHash::operator()(const GString& Text) const {
-    return std::hash<std::string_view>()(std::string_view(Text.CStr(), Text.Size()));
-}
 
 void ShaderLibInit() {
     GShaderLib = new SShaderLib;

@@ -18,7 +18,6 @@
 // longer than SHADER_MACRO_MAX.
 #pragma once
 
-#include <cstddef>
 #include <unordered_map>
 
 #include "foundation/GTemplate.h"
@@ -38,17 +37,13 @@ struct SUniformSlot {
     alignas(float) unsigned char Value[sizeof(Mat4)] = {}; // what was last sent, from the first byte on
 };
 
-struct SStringHash {
-    std::size_t operator()(const GString& Text) const;
-};
-
 struct SShaderProgram {
     UINT32 Program = 0;
     UINT32 VertexShader = 0;
     UINT32 PixelShader = 0;
     GString VSKey; // the name with all macros behind it
     GString PSKey;
-    std::unordered_map<GString, SUniformSlot, SStringHash> Uniforms; // filled on first use
+    std::unordered_map<GString, SUniformSlot> Uniforms; // filled on first use
 };
 
 struct SShaderLib {
