@@ -56,13 +56,21 @@ UINT32 MakeMipmappedTexture() {
 
 } // namespace
 
-UINT32 TextureLoadFile(const char* Path) {
-    ILuint Image = 0;
+UINT32 TextureOpenImage(const char* Path) {
+    UINT32 Image = 0;
     ilGenImages(1, &Image);
     ilBindImage(Image);
     if (!ilLoadImage(Path)) {
         LogPrintf("Texture \"%s\" loading failed..\n", Path);
         ilDeleteImages(1, &Image);
+        return 0;
+    }
+    return Image;
+}
+
+UINT32 TextureLoadFile(const char* Path) {
+    UINT32 Image = TextureOpenImage(Path);
+    if (!Image) {
         return 0;
     }
     ilConvertImage(IL_BGRA, IL_UNSIGNED_BYTE);

@@ -39,6 +39,10 @@ UINT32 TextureLoadFile(const char* Path);
 // Pixels: RGBA, 8 bits a channel, rows one after another without padding; only read. Binds texture 0.
 UINT32 TextureFromPixels(INT32 Width, INT32 Height, const void* Pixels);
 
+// Reads a picture into a new DevIL image and leaves it bound: the caller deletes it. 0, with a line on standard output,
+// if the file can't be read.
+UINT32 TextureOpenImage(const char* Path);
+
 // Copies the picture bound in DevIL as RGBA bytes into a new array that the caller frees with delete[], and deletes the
 // DevIL image of which Image is the name. Always 1.
 INT32 TextureCopyBoundImage(INT32& Width, INT32& Height, UINT8*& Pixels, UINT32& Image);

@@ -1,5 +1,4 @@
 #include <GL/glew.h>
-#include <IL/il.h>
 
 #include "foundation/Diagnostics.h"
 #include "foundation/Scan.h"
@@ -26,12 +25,8 @@ struct SPixels {
 };
 
 bool ReadPicture(const char* Path, SPixels& Out) {
-    UINT32 Image = 0;
-    ilGenImages(1, &Image);
-    ilBindImage(Image);
-    if (!ilLoadImage(Path)) {
-        LogPrintf("Texture \"%s\" loading failed..\n", Path);
-        ilDeleteImages(1, &Image);
+    UINT32 Image = TextureOpenImage(Path);
+    if (!Image) {
         return false;
     }
     TextureCopyBoundImage(Out.Width, Out.Height, Out.Rgba, Image);
