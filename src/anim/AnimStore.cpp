@@ -1,0 +1,4 @@
+#include "anim/Animation.h"
+
+GMap<GString, SAnimEntry*> GAnimsByName;
+GMap<SAnimation*, SAnimEntry*> GAnimsByData;
