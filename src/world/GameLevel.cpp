@@ -2,12 +2,15 @@
 
 #include "foundation/Diagnostics.h"
 #include "foundation/Scan.h"
+#include "graphics/Mesh.h"
+#include "graphics/MeshFile.h"
 #include "physics/Physics.h"
 #include "platform/Platform.h"
 #include "scene/Renderable.h"
 #include "terrain/Terrain.h"
 #include "world/FPSCameraEntity.h"
 #include "world/LevelFile.h"
+#include "world/MeshEntity.h"
 
 #include <algorithm>
 #include <btBulletDynamicsCommon.h>
@@ -28,6 +31,7 @@ constexpr Vec3 EDITOR_BODY_START = {0, 0, 400};
 
 // Here and not beside the classes, since this file is always linked.
 TEntityRegistration<CFPSCameraEntity> FPSCameraRegistration("FPSCamera");
+TEntityRegistration<CMeshEntity> StaticMeshRegistration("StaticMesh");
 
 } // namespace
 
@@ -72,7 +76,16 @@ UINT32 CLevel::LoadSourceLevel(const char* Path) {
     return 1;
 }
 
+// A "geomesh" line places nothing: its descriptor is read, so that what is wrong with it is told, and released at once.
+void CLevel::TryGeoMeshes() const {
+    for (const GString& Descriptor : Params.GeoMeshes) {
+        SMesh Temporary;
+        MeshLoadDescriptor(Descriptor.CStr(), Temporary);
+    }
+}
+
 void CLevel::Build(const char* Path) {
+    TryGeoMeshes();
     const float Reach = std::max({Params.SizeX, Params.SizeY, Params.SizeZ});
     Grid->Init({{-Reach, -Reach, -Reach}, {Reach, Reach, Reach}}, {GRID_CELLS, GRID_CELLS, GRID_CELLS});
     Sky.Load(Params.SkyFile);

@@ -14,6 +14,7 @@
 #pragma once
 
 #include "graphics/RenderTarget.h"
+#include "scene/RenderData.h"
 #include "scene/Sky.h"
 #include "scene/SpatialGrid.h"
 #include "world/Entity.h"
@@ -57,6 +58,14 @@ public:
     void RenderScene(float BlendDelta, bool ShadowPass);
     void RenderSunShadow(float BlendDelta);
     void RenderTerrainShadow();
+
+    // Fills a frame list with the sorted records of all meshes within GCamera's planes, which are those of an
+    // orthographic set-up if OrthoPlanes. Allocates nothing once the lists have grown.
+    void BuildDrawList(bool OrthoPlanes, float BlendDelta, bool LightList, bool ShadowFlags);
+
+    // Draws a frame list: in an additive light pass, as depth in a shadow pass, or else under the sun.
+    void DrawList(bool Light, bool Shadow, bool LightList);
+
     void DrawPhysicsLines();
     void PostProcess();
     void SetSunLight();
@@ -77,6 +86,14 @@ public:
     GList<SSpatialClient*> SpatialClients;
     SRayHits PickHits;
 
+    // Frame lists. Emptied by each BuildDrawList, which keeps their storage; entries point into the records of one
+    // list.
+    GArray<IRenderable*> VisibleClients; // of the last plane query
+    GArray<SDrawEntry> SceneEntries;     // for the camera and the sun's shadow
+    GArray<SRenderData> SceneRecords;
+    GArray<SDrawEntry> LightEntries; // for the passes of one light
+    GArray<SRenderData> LightRecords;
+
     GameRT SceneRT;   // the picture until post-processing
     GameRT OverlayRT; // the 2D layer of game and editor, transparent where nothing is drawn
     GameRT ShadowRT;  // the sun's shadow map
@@ -86,6 +103,7 @@ public:
     UINT32 FlareTexture = 0;
 
 private:
+    void TryGeoMeshes() const;
     void Build(const char* Path);
     void CollectEntityDefs();
     void DestroyEntities();

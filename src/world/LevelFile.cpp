@@ -126,7 +126,7 @@ private:
     }
 
     void ReadGeoMesh() {
-        F_ReadString(Pos, Text, F_IsPrintable);
+        Params.GeoMeshes.Add(F_ReadString(Pos, Text, F_IsPrintable));
         while (!F_RestOfLineEmpty(Pos, Text)) {
             const GString Key = F_ReadString(Pos, Text, F_IsAlpha);
             F_CheckChar(Pos, Text, '=');

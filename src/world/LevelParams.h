@@ -17,6 +17,8 @@ struct SLevelParams {
     float SizeZ = 0;
     INT32 TerrainSeed = 1337;
 
+    GArray<GString> GeoMeshes; // descriptors that the level's build tries and drops; never written
+
     float LightDir_Angle = 0;
     float LightDir_Pitch = 0;
     float LightIntensity = 1; // the radius of the light direction; no file key

@@ -40,6 +40,7 @@ void CLevel::RenderSunShadow(float BlendDelta) {
     glUseProgram(ShadowProgram);
     ShaderSendViewMatrix(ShadowProgram);
     ShaderSendProjectionMatrix(ShadowProgram);
+    BuildDrawList(true, BlendDelta, false, true);
     RenderScene(BlendDelta, true);
     ShadowRT.Unbind();
     GCamera = Saved;
@@ -47,13 +48,16 @@ void CLevel::RenderSunShadow(float BlendDelta) {
 
 // Opaque ground lays down depth first, the sky fills only what is left at depth 1, and the sun is tested against the
 // finished depth at the far plane.
-void CLevel::RenderScene(float, bool ShadowPass) {
+void CLevel::RenderScene(float BlendDelta, bool ShadowPass) {
     if (ShadowPass) {
         RenderTerrainShadow();
+        DrawList(false, true, false);
         return;
     }
     SetSunLight();
+    BuildDrawList(false, BlendDelta, false, false);
     Terrain->Draw();
+    DrawList(false, false, false);
     glDepthRange(1.0, 1.0);
     Sky.Draw(GravityRotation());
     DrawSun();
