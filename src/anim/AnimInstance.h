@@ -42,6 +42,21 @@ struct SAnimChannel {
     INT32 Group = -1;
     SAnimation Frozen;
     float LastStep = 0;
+
+    // Looks the tracks of all bones up, unless that was done since the animations last changed.
+    void ResolveTracks(const GArray<GString>& BoneNames);
+
+    // Sample for the bone of that index, by the tracks that ResolveTracks found.
+    UINT32 SampleResolved(UINT32 Bone, float Fraction, Quat& q, float& Weight) const;
+
+private:
+    UINT32 Mix(const SAnimTrack* CurTrack, const SAnimTrack* PrevTrack, float Fraction, Quat& q, float& Weight) const;
+
+    // By bone; null where the animation leaves the bone alone. They belong to the animation named beside them.
+    GArray<const SAnimTrack*> CurTracks;
+    GArray<const SAnimTrack*> PrevTracks;
+    const SAnimation* CurTracksOf = nullptr;
+    const SAnimation* PrevTracksOf = nullptr;
 };
 
 struct SAnimInstance {
@@ -63,4 +78,9 @@ struct SAnimInstance {
     GArray<Quat> Rotations;
     GMap<GString, SAnimRef> Anims;
     GList<SAnimChannel> Channels; // in order of creation
+
+private:
+    SAnimChannel& ChannelFor(UINT32 Slot, INT32 Group);
+
+    GArray<SAnimation*> Replaced; // lost their play name to others, and may still play
 };

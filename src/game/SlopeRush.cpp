@@ -1,6 +1,8 @@
 #include "game/SlopeRush.h"
 
+#include "graphics/Mesh.h"
 #include "graphics/ShaderLib.h"
+#include "meshgen/TreeMeshGen.h"
 #include "scene/DrawHelpers.h"
 #include "world/GameLevel.h"
 
@@ -10,6 +12,7 @@
 namespace {
 
 const char* const FIRST_LEVEL = "Data/Levels/Level1.wlm";
+const char* const TREE_SCRIPT = "Data/Generators/PineTree0.mgn";
 
 void DeleteLevel() {
     delete GLevel;
@@ -36,6 +39,18 @@ void DrawOverlay() {
 
 } // namespace
 
+void GrowTrees() {
+    STreeMeshGen Generator;
+    Generator.Generate(TREE_SCRIPT);
+    MeshAdd(TREE_MESH, Generator.Mesh);
+}
+
+void ReleaseTrees() {
+    SMesh* Tree = MeshLoad(TREE_MESH);
+    MeshRelease(Tree);
+    MeshRelease(Tree);
+}
+
 UINT32 CreateGame() {
     std::snprintf(GameName, GAME_NAME_SIZE, "SlopeRush");
     GGame = new SlopeRush;
@@ -43,11 +58,13 @@ UINT32 CreateGame() {
 }
 
 void SlopeRush::Init() {
+    GrowTrees();
     LoadLevel(FIRST_LEVEL);
 }
 
 void SlopeRush::Free() {
     DeleteLevel();
+    ReleaseTrees();
 }
 
 void SlopeRush::Update(float, float Delta) {

@@ -7,6 +7,13 @@
 
 #include "game/IGame.h"
 
+// The mesh that all trees of all levels share.
+constexpr const char* TREE_MESH = "[tree00]";
+
+// Grows the tree by its script and stores it under TREE_MESH; ReleaseTrees gives it back.
+void GrowTrees();
+void ReleaseTrees();
+
 class SlopeRush : public IGame {
 public:
     void Init() override;

@@ -21,6 +21,8 @@
 
 #include <cstddef>
 
+class CMeshTraceTree;
+
 constexpr UINT32 MESH_LOD_COUNT = 4;
 
 // The most bones of a skeleton: the arrays of matrices in renderer and shaders have this length.
@@ -119,6 +121,11 @@ struct SMesh {
     INT32 Animated = 0;     // not 0: SkinVertices and Bones are filled
     GArray<SSkinVertex> SkinVertices;
     GArray<SBone> Bones; // evaluation starts at Bones[0]
+
+private:
+    void DropTraceTree();
+
+    mutable CMeshTraceTree* TraceTree = nullptr; // made by the first TraceRay, of the arrays as they were then
 };
 
 struct SMeshRec {

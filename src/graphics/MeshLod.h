@@ -1,21 +1,21 @@
 // Levels of detail: a greedy collapse of the shortest edge, on index lists alone.
 //
-// Every level starts afresh from level 0. While the list holds more entries than its share, the shortest edge of all
-// triangles goes: its second vertex disappears into the first, triangles that held both are taken out. Of equal edges
-// the first in the list goes. No vertex changes, so a level is an index list and nothing else. Parts stay in their
-// order. Cost: about n log n in the indices. Bad input: the caller sees to it that indices lie within their parts.
+// While the list holds more entries than a level's share, the shortest edge of all triangles goes: its second vertex
+// disappears into the first, and triangles that held both are taken out. Of equal edges the first in the list goes. No
+// vertex changes, so a level is an index list and nothing else. Every part keeps its own triangles in a range of its
+// own; ranges stand in the order of level 0. What no part names is left out, also when the shares are counted.
+// Cost: about n log n in the indices for all levels together, since each goes on where the one before ended.
+// Bad input: a part with an index beyond its vertices, or a range beyond the arrays, fails an assertion. Edges without
+// a finite length never go.
 #pragma once
 
-#include "foundation/GTemplate.h"
-#include "foundation/Types.h"
-
-struct SMesh;
+#include "graphics/Mesh.h"
 
 // The shares of the level-0 indices that the levels keep at most.
-extern const float MESH_LOD_SHARES[];
+constexpr float MESH_LOD_SHARES[MESH_LOD_COUNT] = {1.0f, 0.8f, 0.6f, 0.4f};
 
 // Meshes with fewer indices are not reduced.
 constexpr UINT32 MESH_LOD_MIN_INDICES = 100;
 
-// Fills Out with the index list of the level (1 to 3) and writes IBOffset[Level] and TriangleCount[Level] of all parts.
-void MeshBuildLod(SMesh& Mesh, UINT32 Level, float Share, GArray<UINT32>& Out);
+// Fills Out with the index lists of levels 1 to 3 and writes their IBOffset and TriangleCount into the parts.
+void MeshBuildLods(SMesh& Mesh, GArray<UINT32> (&Out)[MESH_LOD_COUNT - 1]);

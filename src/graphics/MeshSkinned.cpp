@@ -1,0 +1,222 @@
+#include "foundation/Diagnostics.h"
+#include "foundation/GArchive.h"
+#include "foundation/Scan.h"
+#include "graphics/Mesh.h"
+#include "graphics/MeshFile.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr char MAGIC[4] = {'W', 'L', 'A', 'M'};
+
+// The fewest bytes that a record can take: what a count is checked against before memory is taken for it.
+constexpr UINT32 VERTEX_BYTES = 72;
+constexpr UINT32 INDEX_BYTES = 4;
+constexpr UINT32 PART_BYTES = 5 * 4;
+constexpr UINT32 BONE_BYTES = 2 * 4 + 16 * 4;
+
+// One walk over a file's bytes. Each step gives false where the file ends early or says what can't be.
+class CSkinnedReader {
+public:
+    CSkinnedReader(GArray<UINT8>& Bytes, SMesh& Mesh, SMeshPartTable& Parts, const char* File)
+        : Reader(Bytes), Mesh(Mesh), Parts(Parts), File(File) {}
+
+    bool Read() {
+        return ReadMagic() && ReadVertices() && ReadIndices() && ReadParts() && ReadBones() && ArePartsSound() &&
+               AreBoneIndicesSound();
+    }
+
+private:
+    UINT32 Left() { return static_cast<UINT32>(Reader.Size() - Reader.Tell()); }
+
+    bool ReadMagic() {
+        char Magic[sizeof(MAGIC)] = {};
+        Reader.Serialize(Magic, sizeof(Magic));
+        return std::memcmp(Magic, MAGIC, sizeof(MAGIC)) == 0;
+    }
+
+    // False for a count of zero, and for one of more records than the rest of the file can hold.
+    bool ReadCount(UINT32& Count, UINT32 RecordBytes) {
+        if (Left() < sizeof(Count)) {
+            return false;
+        }
+        Reader << Count;
+        return Count > 0 && Count <= Left() / RecordBytes;
+    }
+
+    void ReadVertex(SMeshVertex& Vertex, SSkinVertex& Skin) {
+        Reader << Vertex.Position.x << Vertex.Position.y << Vertex.Position.z << Vertex.UV.x << Vertex.UV.y;
+        Reader << Vertex.Normal.x << Vertex.Normal.y << Vertex.Normal.z;
+        Reader << Vertex.Tangent.x << Vertex.Tangent.y << Vertex.Tangent.z << Vertex.Tangent.w << Vertex.Bone;
+        for (float& Weight : Skin.Weights) {
+            Reader << Weight;
+        }
+        Reader.Serialize(Skin.BoneIndices, sizeof(Skin.BoneIndices));
+    }
+
+    bool ReadVertices() {
+        UINT32 Count = 0;
+        if (!ReadCount(Count, VERTEX_BYTES)) {
+            return false;
+        }
+        Mesh.Vertices.Resize(Count);
+        Mesh.SkinVertices.Resize(Count);
+        for (UINT32 i = 0; i < Count; ++i) {
+            ReadVertex(Mesh.Vertices[i], Mesh.SkinVertices[i]);
+        }
+        return true;
+    }
+
+    bool ReadIndices() {
+        UINT32 Count = 0;
+        if (!ReadCount(Count, INDEX_BYTES)) {
+            return false;
+        }
+        Mesh.Indices.Resize(Count);
+        for (UINT32& Index : Mesh.Indices) {
+            Reader << Index;
+        }
+        return true;
+    }
+
+    bool ReadText(GString& Text) {
+        UINT32 Length = 0;
+        if (Left() < sizeof(Length)) {
+            return false;
+        }
+        Reader << Length;
+        if (Length > Left()) {
+            return false;
+        }
+        GArray<char> Characters;
+        Characters.Resize(Length);
+        Reader.Serialize(Characters.Data, Length);
+        Text.Clear();
+        Text.Append(Characters.Data, Length);
+        return true;
+    }
+
+    bool ReadParts() {
+        UINT32 Count = 0;
+        if (!ReadCount(Count, PART_BYTES)) {
+            return false;
+        }
+        for (UINT32 i = 0; i < Count; ++i) {
+            GString Name;
+            if (!ReadText(Name) || Left() < PART_BYTES - sizeof(UINT32)) {
+                return false;
+            }
+            SMeshFilePart Part;
+            Reader << Part.VertexStart << Part.IndexStart << Part.VertexCount << Part.TriangleCount;
+            Parts[Name] = Part;
+        }
+        return true;
+    }
+
+    bool ReadBones() {
+        UINT32 Count = 0;
+        if (!ReadCount(Count, BONE_BYTES)) {
+            return false;
+        }
+        if (Count > MESH_MAX_BONES) {
+            LogPrintf("%s has %u bones, %u are the most\n", File, Count, MESH_MAX_BONES);
+            return false;
+        }
+        Mesh.Bones.Resize(Count);
+        for (UINT32 i = 0; i < Count; ++i) {
+            if (!ReadBone(i)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool ReadBone(UINT32 i) {
+        SBone& Bone = Mesh.Bones[i];
+        GString ParentName;
+        if (!ReadText(Bone.Name) || !ReadText(ParentName) || Left() < sizeof(Bone.Bind)) {
+            return false;
+        }
+        for (float& Element : Bone.Bind.M) {
+            Reader << Element;
+        }
+        Bone.Index = i;
+        M_Mat4Identity(Bone.InvBind); // what a matrix without an inverse keeps
+        M_Mat4Inverse(Bone.Bind, Bone.InvBind);
+        Bone.ToParent = Bone.Bind;
+        if (!ParentName.Empty()) {
+            LinkBone(Bone, ParentName);
+            M_Mat4Mul(Bone.ToParent, Bone.Parent->InvBind, Bone.Bind);
+        }
+        return true;
+    }
+
+    // A parent stands before its children; children keep the order of the file.
+    void LinkBone(SBone& Bone, const GString& ParentName) {
+        for (UINT32 i = 0; i < Bone.Index && !Bone.Parent; ++i) {
+            if (Mesh.Bones[i].Name == ParentName) {
+                Bone.Parent = &Mesh.Bones[i];
+            }
+        }
+        if (!Bone.Parent) {
+            FatalError("Mesh Loader: Could not link bones, file %s is probably damaged\n", File);
+        }
+        SBone** End = &Bone.Parent->Child;
+        while (*End) {
+            End = &(*End)->Next;
+        }
+        *End = &Bone;
+    }
+
+    bool IsPartSound(const SMeshFilePart& Part) const {
+        const UINT64 IndexEnd = UINT64{Part.IndexStart} + 3 * UINT64{Part.TriangleCount};
+        if (UINT64{Part.VertexStart} + Part.VertexCount > Mesh.Vertices.count || IndexEnd > Mesh.Indices.count) {
+            return false;
+        }
+        for (UINT32 i = Part.IndexStart; i < IndexEnd; ++i) {
+            if (Mesh.Indices[i] >= Part.VertexCount) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool ArePartsSound() {
+        for (SMeshPartTable::Iterator It(Parts); It.Valid(); It.Next()) {
+            if (!IsPartSound(It.Value())) {
+                LogPrintf("%s: part %s reaches beyond the file's vertices or indices\n", File, It.Key().CStr());
+                return false;
+            }
+        }
+        return true;
+    }
+
+    // The shaders use an index as it stands.
+    bool AreBoneIndicesSound() {
+        for (const SSkinVertex& Skin : Mesh.SkinVertices) {
+            for (UINT8 Index : Skin.BoneIndices) {
+                if (Index >= Mesh.Bones.count) {
+                    LogPrintf("%s: a vertex follows bone %u of %u\n", File, Index, Mesh.Bones.count);
+                    return false;
+                }
+            }
+        }
+        return true;
+    }
+
+    FByteReader Reader;
+    SMesh& Mesh;
+    SMeshPartTable& Parts;
+    const char* File;
+};
+
+} // namespace
+
+INT32 MeshLoadSkinned(SMeshPartTable& Parts, SMesh& Mesh, const char* File) {
+    GArray<UINT8> Bytes;
+    if (!F_ReadFile(File, Bytes)) {
+        return 0;
+    }
+    return CSkinnedReader(Bytes, Mesh, Parts, File).Read() ? 1 : 0;
+}
