@@ -1,0 +1,186 @@
+// Textures of the pines: bark, and a bough with snow on it.
+//
+// The bough's stem stands on the lower edge of the picture, which is the end at the trunk, and its tip is at the upper
+// one. Alpha is coverage. Gaps within the bough keep a little of it, so that smaller mip levels, which average it,
+// stay as dense as the bough is.
+#include "Asset.h"
+#include "Noise.h"
+#include "Picture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace {
+
+constexpr INT32 SIDE = 256;
+constexpr float GAP_ALPHA = 0.36f;
+
+struct SColour {
+    float r, g, b;
+};
+
+constexpr SColour DARK_NEEDLE = {0.045f, 0.115f, 0.075f};
+constexpr SColour LIGHT_NEEDLE = {0.16f, 0.31f, 0.17f};
+constexpr SColour SNOW = {0.90f, 0.93f, 0.98f};
+constexpr SColour SNOW_SHADE = {0.62f, 0.70f, 0.84f};
+
+SColour Blend(const SColour& a, const SColour& b, float t) {
+    return {Mix(a.r, b.r, t), Mix(a.g, b.g, t), Mix(a.b, b.b, t)};
+}
+
+// Strokes are painted over each other, later ones on top.
+class CBough {
+public:
+    CBough() {
+        Colours.Resize(SIDE * SIDE);
+        Alphas.Resize(SIDE * SIDE);
+        std::fill(Colours.begin(), Colours.end(), DARK_NEEDLE);
+    }
+
+    void Grow() {
+        GrowTwigs();
+        Stroke({0.5f, 1.0f}, {0.5f, 0.06f}, 0.012f, 0.004f, {0.16f, 0.11f, 0.08f});
+        LaySnow();
+    }
+
+    bool Save(const char* File) const {
+        CPicture Picture(SIDE, SIDE, 4);
+        for (INT32 i = 0; i < SIDE * SIDE; ++i) {
+            const SColour& c = Colours.Data[i];
+            Picture.SetColour(static_cast<UINT32>(i % SIDE), static_cast<UINT32>(i / SIDE), c.r, c.g, c.b,
+                              Alphas.Data[i]);
+        }
+        return Picture.SavePng(File);
+    }
+
+private:
+    struct SPoint {
+        float x, y; // 0 to 1, y down
+    };
+
+    void Put(INT32 x, INT32 y, const SColour& Colour, float Alpha) {
+        if (x < 0 || y < 0 || x >= SIDE || y >= SIDE) {
+            return;
+        }
+        float& Old = Alphas.Data[y * SIDE + x];
+        if (Alpha >= 0.5f) {
+            Colours.Data[y * SIDE + x] = Colour;
+        }
+        Old = std::max(Old, Alpha);
+    }
+
+    // A tapering line; widths are half widths.
+    void Stroke(const SPoint& From, const SPoint& To, float FromWidth, float ToWidth, const SColour& Colour) {
+        const INT32 Steps = 1 + static_cast<INT32>(2 * SIDE * std::hypot(To.x - From.x, To.y - From.y));
+        for (INT32 i = 0; i <= Steps; ++i) {
+            const float t = static_cast<float>(i) / static_cast<float>(Steps);
+            Disc({Mix(From.x, To.x, t), Mix(From.y, To.y, t)}, Mix(FromWidth, ToWidth, t), Colour, 1);
+        }
+    }
+
+    void Disc(const SPoint& At, float Radius, const SColour& Colour, float Alpha) {
+        const INT32 Reach = static_cast<INT32>(std::ceil(Radius * SIDE));
+        const INT32 cx = static_cast<INT32>(At.x * SIDE);
+        const INT32 cy = static_cast<INT32>(At.y * SIDE);
+        for (INT32 y = -Reach; y <= Reach; ++y) {
+            for (INT32 x = -Reach; x <= Reach; ++x) {
+                if (static_cast<float>(x * x + y * y) <= Radius * Radius * SIDE * SIDE + 0.3f) {
+                    Put(cx + x, cy + y, Colour, Alpha);
+                }
+            }
+        }
+    }
+
+    // Half the width of the bough at a height: widest a third up from the trunk, pointed at the tip.
+    static float HalfWidth(float y) {
+        const float Along = 1 - y;
+        return 0.48f * Clamp01(1.03f - Along) * SmoothStep(-0.35f, 0.22f, Along);
+    }
+
+    // Twigs leave the stem towards the tip, each with needles on both sides; those near the trunk lie below.
+    void GrowTwigs() {
+        constexpr INT32 TWIGS = 30;
+        for (INT32 i = 0; i < TWIGS; ++i) {
+            const float y = 0.99f - 0.93f * static_cast<float>(i) / TWIGS;
+            const float Side = i % 2 ? 1.0f : -1.0f;
+            const float Length = HalfWidth(y) * (0.72f + 0.42f * NoiseCell(i, 1, 50));
+            const SPoint Root = {0.5f, y};
+            const SPoint End = {0.5f + Side * Length * 0.93f, y - Length * 0.62f};
+            Needles(Root, End, i);
+        }
+        Needles({0.5f, 0.5f}, {0.5f, 0.03f}, TWIGS);
+    }
+
+    void Needles(const SPoint& From, const SPoint& To, INT32 Twig) {
+        constexpr INT32 NEEDLES = 64;
+        constexpr float LENGTH = 0.055f;
+        const float Angle = std::atan2(To.y - From.y, To.x - From.x);
+        for (INT32 k = 0; k < NEEDLES; ++k) {
+            const float t = static_cast<float>(k) / NEEDLES;
+            const SPoint Root = {Mix(From.x, To.x, t), Mix(From.y, To.y, t)};
+            const float Turn = Angle + (k % 2 ? 1.0f : -1.0f) * (0.55f + 0.5f * NoiseCell(k, Twig, 60));
+            const float Length = LENGTH * (0.7f + 0.6f * NoiseCell(k, Twig, 61)) * (1.1f - 0.5f * t);
+            const SColour Colour = Blend(DARK_NEEDLE, LIGHT_NEEDLE, NoiseCell(k, Twig, 62) * (0.35f + 0.65f * t));
+            const SPoint End = {Root.x + std::cos(Turn) * Length, Root.y + std::sin(Turn) * Length};
+            Disc(Root, 0.030f, DARK_NEEDLE, GAP_ALPHA);
+            Stroke(Root, End, 0.0035f, 0.0015f, Colour);
+        }
+    }
+
+    // Snow lies in cushions along the bough's middle and on its twigs, where there is something to hold it.
+    void LaySnow() {
+        for (INT32 y = 0; y < SIDE; ++y) {
+            for (INT32 x = 0; x < SIDE; ++x) {
+                const float u = (static_cast<float>(x) + 0.5f) / SIDE;
+                const float v = (static_cast<float>(y) + 0.5f) / SIDE;
+                const float Edge = std::fabs(u - 0.5f) / std::max(HalfWidth(v), 0.02f);
+                const float Lumps = NoiseFbm(u * 9, v * 7, 3, 70) + 0.5f * NoiseFbm(u * 30, v * 26, 2, 71);
+                const float Depth = 0.27f - 0.46f * Edge + 0.80f * Lumps;
+                const bool Held = Alphas.Data[y * SIDE + x] >= GAP_ALPHA;
+                if (Held && Depth > 0) {
+                    const float Shade = Clamp01(1.6f * Depth + 0.5f * NoiseFbm(u * 22, v * 22, 2, 72) + 0.25f);
+                    Put(x, y, Blend(SNOW_SHADE, SNOW, Shade), 1);
+                }
+            }
+        }
+    }
+
+    GArray<SColour> Colours;
+    GArray<float> Alphas;
+};
+
+// Plates with dark cracks along the trunk; closed all round.
+bool MakeBark(const char* File) {
+    CPicture Picture(SIDE, SIDE, 3);
+    for (INT32 y = 0; y < SIDE; ++y) {
+        for (INT32 x = 0; x < SIDE; ++x) {
+            const float u = (static_cast<float>(x) + 0.5f) / SIDE;
+            const float v = (static_cast<float>(y) + 0.5f) / SIDE;
+            float Near, Second;
+            const float Warp = 0.5f * NoiseFbmTiled(u * 4, v * 4, 4, 4, 3, 80);
+            NoiseWorleyTiled(u * 7 + Warp, v * 12 + Warp, 7, 12, 81, Near, Second);
+            const float Plate = SmoothStep(0.0f, 0.22f, Second - Near);
+            const float Grain = 0.5f + 0.5f * NoiseFbmTiled(u * 16, v * 32, 16, 32, 3, 82);
+            const float Light = (0.35f + 0.65f * Plate) * (0.6f + 0.5f * Grain);
+            SColour Colour = Blend({0.10f, 0.065f, 0.05f}, {0.40f, 0.29f, 0.22f}, Light);
+            // Blown snow sticks on one side.
+            const float Windward = 0.5f + 0.5f * std::cos((u - 0.3f) * 6.2831853f);
+            const float Stuck = SmoothStep(0.75f, 0.95f, Windward + 0.35f * NoiseFbmTiled(u * 8, v * 8, 8, 8, 4, 83));
+            Colour = Blend(Colour, SNOW, 0.85f * Stuck * Plate);
+            Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), Colour.r, Colour.g, Colour.b);
+        }
+    }
+    return Picture.SavePng(File);
+}
+
+} // namespace
+
+bool MakePine(const char* Name, const char* File) {
+    if (std::strcmp(Name, "PineBark") == 0) {
+        return MakeBark(File);
+    }
+    CBough Bough;
+    Bough.Grow();
+    return Bough.Save(File);
+}
