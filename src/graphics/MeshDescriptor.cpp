@@ -80,9 +80,12 @@ INT32 MeshReadBlock(const GString& Text, INT32& Pos, SMddBlock& Block) {
         Block.Add(Line);
         F_SkipLine(Pos, Text);
         F_SkipBlanks(Pos, Text);
+        if (Pos >= End) {
+            break;
+        }
         Ahead = Pos;
         Word = F_ReadString(Ahead, Text, F_IsAlpha);
-    } while (Pos < End && Word != "model");
+    } while (Word != "model");
     return 1;
 }
 
