@@ -189,7 +189,7 @@ void AddScarf(CShape& Shape) {
     Tail.Add(c, 0.62f, 0.08f, BONE_SCARF_2, BONE_SCARF_3, 0.5f);
     Tail.Add(c + Vec3{0.1f, 0.9f, -0.15f}, 0.64f, 0.07f, BONE_SCARF_3);
     Tail.Add(c + Vec3{0.15f, 1.6f, -0.2f}, 0.60f, 0.05f, BONE_SCARF_3);
-    Shape.AddLoft(Tail.Sections, {1, 0, 0}, 6, SCARF, 0.6f);
+    Shape.AddLoft(Tail.Sections, {0.9f, 0, 0.45f}, 6, SCARF, 0.6f);
 }
 
 // Held upright and outward, so that its blade shows beside the figure from behind.

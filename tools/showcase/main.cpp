@@ -167,7 +167,8 @@ void CShowcase::TakePicture() const {
         glFinish();
     }
     const std::chrono::duration<double, std::milli> Took = std::chrono::steady_clock::now() - Start;
-    LogPrintf("%u draw records, %.1f ms a picture\n", GLevel->SceneEntries.count, Took.count() / TIMED);
+    LogPrintf("ground at %.1f, %.1f: %.1f; %u draw records, %.1f ms a picture\n", Centre.x, Centre.y, Centre.z,
+              GLevel->SceneEntries.count, Took.count() / TIMED);
 
     const UINT32 Image = ilGenImage();
     ilBindImage(Image);

@@ -1,0 +1,355 @@
+// The scenery: rocks, wood, gates, flags, signs and a hut, as Wavefront .obj files with +Z up, and the two textures
+// that they share.
+//
+// The origin is at the ground; everything reaches some units below it, so that it stands on a slope without a gap.
+#include "Asset.h"
+#include "Noise.h"
+#include "Picture.h"
+#include "Shape.h"
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+enum ECell { WOOD, PLANK, LOG_END, SNOW, ROCK, RED, BLUE, CHEQUER, START, FINISH, WINDOW, ARROW_LEFT, DARK, STRAW, ARROW_RIGHT };
+
+constexpr Vec3 X = {1, 0, 0};
+constexpr Vec3 Y = {0, 1, 0};
+constexpr Vec3 Z = {0, 0, 1};
+
+void AddPost(CShape& Shape, const Vec3& From, const Vec3& To, float Radius, int Cell = WOOD) {
+    GArray<SSection> Sections;
+    Sections.Add({From, Radius, Radius});
+    Sections.Add({From + (To - From) * 0.97f, Radius * 0.94f, Radius * 0.94f});
+    Sections.Add({To, Radius * 0.75f, Radius * 0.75f});
+    const Vec3 Along = To - From;
+    Shape.AddLoft(Sections, std::fabs(Along.x) > std::fabs(Along.z) ? Z : X, 6, Cell);
+}
+
+// Snow that lies on something: a flat cushion.
+void AddSnow(CShape& Shape, const Vec3& Centre, float HalfX, float HalfY, float Height) {
+    GArray<SSection> Sections;
+    Sections.Add({Centre - Z * 0.1f, HalfX, HalfY});
+    Sections.Add({Centre + Z * (Height * 0.6f), HalfX * 0.95f, HalfY * 0.92f});
+    Sections.Add({Centre + Z * Height, HalfX * 0.6f, HalfY * 0.6f});
+    Shape.AddLoft(Sections, X, 8, SNOW, 0.5f);
+}
+
+// A ball that noise has bent; what of it faces upward is painted as snow.
+void AddRock(CShape& Shape, const Vec3& Centre, const Vec3& Size, UINT32 Seed) {
+    CShape Ball;
+    GArray<SSection> Sections;
+    constexpr int RINGS = 6;
+    for (int i = 0; i < RINGS; ++i) {
+        const float Angle = 3.1415927f * (0.06f + 0.88f * static_cast<float>(i) / (RINGS - 1));
+        const float Ring = std::sin(Angle);
+        Sections.Add({Centre - Z * (Size.z * std::cos(Angle)), Size.x * Ring, Size.y * Ring});
+    }
+    Ball.AddLoft(Sections, X, 9, ROCK, 0.35f);
+    RoughenShape(Ball, 0.42f * Size.z, 1.3f / Size.z, Seed);
+    const UINT32 First = Shape.Vertices.count;
+    for (UINT32 i = 0; i < Ball.Indices.count; i += 3) {
+        const Vec3& a = Ball.Vertices[Ball.Indices[i]].Position;
+        const Vec3 Normal = M_Normalized(
+            M_Cross(Ball.Vertices[Ball.Indices[i + 1]].Position - a, Ball.Vertices[Ball.Indices[i + 2]].Position - a));
+        const bool Snowy = Normal.z > 0.55f;
+        for (UINT32 k = i; k < i + 3; ++k) {
+            SShapeVertex Vertex = Ball.Vertices[Ball.Indices[k]];
+            Vertex.Normal = M_Normalized(Snowy ? Vertex.Normal + Z : Normal * 2 + Vertex.Normal);
+            if (Snowy) {
+                Vertex.UV = {(SNOW % ATLAS_CELLS + 0.3f + 0.4f * (Vertex.UV.x * ATLAS_CELLS - ROCK % ATLAS_CELLS)) /
+                                 ATLAS_CELLS,
+                             (SNOW / ATLAS_CELLS + 0.3f + 0.4f * (Vertex.UV.y * ATLAS_CELLS - ROCK / ATLAS_CELLS)) /
+                                 ATLAS_CELLS};
+            }
+            Shape.Vertices.Add(Vertex);
+            Shape.Indices.Add(First + k);
+        }
+    }
+}
+
+void MakeTrunk(CShape& Shape) {
+    GArray<SSection> Sections;
+    Sections.Add({{-17, 0, 0.6f}, 1.9f, 1.9f});
+    Sections.Add({{-6, 0.8f, 1.4f}, 1.7f, 1.7f});
+    Sections.Add({{6, 0.2f, 1.6f}, 1.4f, 1.4f});
+    Sections.Add({{17, -1, 1.2f}, 1.0f, 1.0f});
+    Shape.AddLoft(Sections, Z, 8, WOOD);
+    AddPost(Shape, {-2, 0.8f, 1.5f}, {-4, 5.5f, 4.5f}, 0.35f);
+    AddPost(Shape, {5, 0.4f, 1.6f}, {6.5f, -3.5f, 5}, 0.32f);
+    AddPost(Shape, {10, 0, 1.4f}, {13, 4, 3}, 0.3f);
+    AddSnow(Shape, {-9, 0.4f, 2.7f}, 6.2f, 1.1f, 0.8f);
+    AddSnow(Shape, {6, 0.1f, 2.7f}, 7.5f, 0.9f, 0.7f);
+}
+
+void MakeFence(CShape& Shape) {
+    for (const float x : {-10.0f, 10.0f}) {
+        AddPost(Shape, {x, 0, -4}, {x, 0, 7}, 0.6f);
+        AddSnow(Shape, {x, 0, 6.9f}, 0.75f, 0.75f, 0.6f);
+    }
+    AddPost(Shape, {-11, 0.3f, 2.2f}, {11, -0.2f, 2.6f}, 0.42f);
+    AddPost(Shape, {-11, -0.3f, 5.1f}, {11, 0.3f, 4.8f}, 0.42f);
+    AddSnow(Shape, {0, 0, 5.3f}, 8.5f, 0.5f, 0.45f);
+}
+
+void MakeGate(CShape& Shape, int Banner) {
+    constexpr float HALF = 42;
+    for (const float Side : {-1.0f, 1.0f}) {
+        AddPost(Shape, {Side * HALF, 0, -8}, {Side * HALF, 0, 44}, 1.5f);
+        AddPost(Shape, {Side * HALF, -9, -6}, {Side * HALF, -0.5f, 24}, 0.8f);
+        AddPost(Shape, {Side * HALF, 9, -6}, {Side * HALF, 0.5f, 24}, 0.8f);
+        AddSnow(Shape, {Side * HALF, 0, 44}, 1.9f, 1.9f, 1.4f);
+    }
+    AddPost(Shape, {-HALF - 3, 0, 41}, {HALF + 3, 0, 41}, 1.1f);
+    AddPost(Shape, {-HALF - 3, 0, 29.5f}, {HALF + 3, 0, 29.5f}, 0.7f);
+    AddSnow(Shape, {0, 0, 42}, HALF - 3, 1.0f, 0.9f);
+    // The picture faces the riders, who come from +Y.
+    Shape.AddSheet({20, 0.9f, 30}, {-20, 0.9f, 30}, {-20, 0.9f, 40}, {20, 0.9f, 40}, Banner);
+    for (const float Side : {-1.0f, 1.0f}) {
+        const float Inner = Side > 0 ? 40.0f : -20.0f;
+        Shape.AddSheet({Inner, 0.9f, 30}, {Inner - 20, 0.9f, 30}, {Inner - 20, 0.9f, 40}, {Inner, 0.9f, 40},
+                       Banner == FINISH ? CHEQUER : RED);
+    }
+}
+
+void MakeFlag(CShape& Shape, int Cell) {
+    AddPost(Shape, {0, 0, -4}, {0, 0, 15}, 0.32f, DARK);
+    Shape.AddSheet({0, 0, 8.5f}, {-7, 0.8f, 8.2f}, {-7, 0.8f, 14.2f}, {0, 0, 14.4f}, Cell);
+    AddSnow(Shape, {0, 0, -0.2f}, 2.2f, 2.0f, 1.2f);
+}
+
+void MakeHut(CShape& Shape) {
+    constexpr float HALF_X = 17;
+    constexpr float HALF_Y = 13;
+    for (int i = 0; i < 8; ++i) {
+        const float z = -5.0f + 2.9f * static_cast<float>(i);
+        for (const float Side : {-1.0f, 1.0f}) {
+            AddPost(Shape, {-HALF_X - 2, Side * HALF_Y, z}, {HALF_X + 2, Side * HALF_Y, z}, 1.5f);
+            AddPost(Shape, {Side * HALF_X, -HALF_Y - 2, z + 1.4f}, {Side * HALF_X, HALF_Y + 2, z + 1.4f}, 1.5f);
+        }
+    }
+    for (const float Side : {-1.0f, 1.0f}) {
+        // Gables, roof and the snow on it.
+        Shape.AddSheet({Side * HALF_X, -HALF_Y, 17}, {Side * HALF_X, HALF_Y, 17}, {Side * HALF_X, 0.2f, 29},
+                       {Side * HALF_X, -0.2f, 29}, PLANK);
+        const Vec3 Slope = M_Normalized({0, Side * 15.5f, -12});
+        const Vec3 Up = M_Cross(Slope, X) * (Side > 0 ? -1.0f : 1.0f);
+        const Vec3 Middle = {0, Side * 8.2f, 23.6f};
+        const Vec3 Out = Up.z > 0 ? Up : -Up;
+        Shape.AddBox(Middle, X * 21, M_Cross(Out, X) * 10.6f, Out * 0.7f, PLANK);
+        Shape.AddBox(Middle + Out * 1.9f, X * 21.6f, M_Cross(Out, X) * 11.0f, Out * 1.3f, SNOW);
+    }
+    Shape.AddBox({9, -5, 30}, X * 2, Y * 2, Z * 6, ROCK);
+    AddSnow(Shape, {9, -5, 36}, 2.4f, 2.4f, 1.3f);
+    Shape.AddBox({-4, HALF_Y + 1.4f, 5}, X * 3.2f, Y * 0.4f, Z * 6.2f, PLANK);
+    for (const float x : {6.0f, -12.0f}) {
+        Shape.AddBox({x, HALF_Y + 1.5f, 8}, X * 3, Y * 0.4f, Z * 2.6f, WINDOW);
+    }
+    AddSnow(Shape, {0, HALF_Y + 3, -1}, 16, 4, 2.2f);
+}
+
+void MakeSign(CShape& Shape, int Arrow) {
+    AddPost(Shape, {0, 0, -4}, {0, 0, 13}, 0.55f);
+    Shape.AddBox({0, 0.7f, 10}, X * 4.6f, Y * 0.35f, Z * 1.9f, PLANK);
+    // The riders come from +Y; to them +X is on the left.
+    Shape.AddSheet({4.2f, 1.1f, 8.4f}, {-4.2f, 1.1f, 8.4f}, {-4.2f, 1.1f, 11.6f}, {4.2f, 1.1f, 11.6f}, Arrow);
+    AddSnow(Shape, {0, 0.5f, 11.9f}, 4.6f, 0.7f, 0.6f);
+}
+
+void MakeBales(CShape& Shape) {
+    for (const float x : {-8.0f, 0.0f, 8.0f}) {
+        Shape.AddBox({x, 0, 1}, X * 3.5f, Y * 2.2f, Z * 2.4f, STRAW);
+        AddSnow(Shape, {x, 0, 3.3f}, 3.2f, 2.0f, 0.8f);
+    }
+}
+
+bool WriteObj(const char* Name, const CShape& Shape) {
+    FILE* File = std::fopen(Name, "w");
+    if (!File) {
+        return false;
+    }
+    for (const SShapeVertex& Vertex : Shape.Vertices) {
+        const Vec3& p = Vertex.Position;
+        const Vec3& n = Vertex.Normal;
+        // The format's v runs upward.
+        std::fprintf(File, "v %.4f %.4f %.4f\nvt %.5f %.5f\nvn %.4f %.4f %.4f\n", p.x, p.y, p.z, Vertex.UV.x,
+                     1 - Vertex.UV.y, n.x, n.y, n.z);
+    }
+    for (UINT32 i = 0; i < Shape.Indices.count; i += 3) {
+        const UINT32 a = Shape.Indices[i] + 1;
+        const UINT32 b = Shape.Indices[i + 1] + 1;
+        const UINT32 c = Shape.Indices[i + 2] + 1;
+        std::fprintf(File, "f %u/%u/%u %u/%u/%u %u/%u/%u\n", a, a, a, b, b, b, c, c, c);
+    }
+    return std::fclose(File) == 0;
+}
+
+// --- the texture ---
+
+struct SColour {
+    float r, g, b;
+};
+
+SColour Blend(const SColour& a, const SColour& b, float t) {
+    return {Mix(a.r, b.r, t), Mix(a.g, b.g, t), Mix(a.b, b.b, t)};
+}
+
+// Capitals of the banners, 5 by 7 dots, rows from the top.
+struct SLetter {
+    char Letter;
+    const char* Rows[7];
+};
+
+constexpr SLetter LETTERS[] = {
+    {'S', {" ### ", "#   #", "#    ", " ### ", "    #", "#   #", " ### "}},
+    {'T', {"#####", "  #  ", "  #  ", "  #  ", "  #  ", "  #  ", "  #  "}},
+    {'A', {" ### ", "#   #", "#   #", "#####", "#   #", "#   #", "#   #"}},
+    {'R', {"#### ", "#   #", "#   #", "#### ", "# #  ", "#  # ", "#   #"}},
+    {'F', {"#####", "#    ", "#    ", "#### ", "#    ", "#    ", "#    "}},
+    {'I', {" ### ", "  #  ", "  #  ", "  #  ", "  #  ", "  #  ", " ### "}},
+    {'N', {"#   #", "##  #", "# # #", "# # #", "# # #", "#  ##", "#   #"}},
+    {'H', {"#   #", "#   #", "#   #", "#####", "#   #", "#   #", "#   #"}},
+};
+
+bool IsInked(const char* Word, float u, float v) {
+    const int Length = static_cast<int>(std::strlen(Word));
+    // The edges of a cell are not seen, so the word keeps away from them.
+    const int Column = static_cast<int>(u * static_cast<float>(6 * Length + 7)) - 4;
+    const int Row = static_cast<int>(v * 11) - 2;
+    if (Column < 0 || Row < 0 || Row >= 7 || Column % 6 == 5 || Column / 6 >= Length) {
+        return false;
+    }
+    for (const SLetter& Letter : LETTERS) {
+        if (Letter.Letter == Word[Column / 6]) {
+            return Letter.Rows[Row][Column % 6] == '#';
+        }
+    }
+    return false;
+}
+
+SColour WoodColour(float u, float v, float Boards) {
+    const float Board = std::floor(v * Boards);
+    const float Edge = std::fabs(v * Boards - Board - 0.5f) * 2;
+    const float Grain = NoiseFbm(u * 5 + Board * 7, v * 40, 4, 400);
+    const float Tone = 0.75f + 0.35f * Grain + 0.15f * NoiseCell(static_cast<INT32>(Board), 3, 401);
+    const float Groove = Boards > 1 ? 1 - 0.6f * SmoothStep(0.88f, 1.0f, Edge) : 1;
+    return {0.46f * Tone * Groove, 0.31f * Tone * Groove, 0.19f * Tone * Groove};
+}
+
+SColour CellColour(int Cell, float u, float v) {
+    const float Weave = 0.94f + 0.12f * NoiseFbm(u * 7, v * 5, 3, 410);
+    switch (Cell) {
+    case WOOD:
+        return WoodColour(v, u * 0.6f, 1);
+    case PLANK:
+        return WoodColour(u, v, 6);
+    case SNOW: {
+        const float Shade = 0.90f + 0.06f * NoiseFbm(u * 6, v * 6, 3, 420);
+        return {Shade * 0.97f, Shade * 0.99f, Shade * 1.03f};
+    }
+    case ROCK: {
+        const float Tone = 0.42f + 0.22f * NoiseFbm(u * 5, v * 9, 5, 430);
+        return {Tone, Tone * 0.96f, Tone * 0.93f};
+    }
+    case RED:
+        return {0.80f * Weave, 0.09f * Weave, 0.08f * Weave};
+    case BLUE:
+        return {0.08f * Weave, 0.26f * Weave, 0.72f * Weave};
+    case CHEQUER: {
+        const bool White = (static_cast<int>(u * 8) + static_cast<int>(v * 4)) % 2;
+        return White ? SColour{0.92f * Weave, 0.92f * Weave, 0.9f * Weave} : SColour{0.06f, 0.06f, 0.07f};
+    }
+    case START:
+        return IsInked("START", u, v) ? SColour{0.96f, 0.93f, 0.84f}
+                                      : SColour{0.80f * Weave, 0.09f * Weave, 0.08f * Weave};
+    case FINISH:
+        return IsInked("FINISH", u, v) ? SColour{0.07f, 0.07f, 0.09f}
+                                       : SColour{0.94f * Weave, 0.93f * Weave, 0.88f * Weave};
+    case WINDOW: {
+        const bool Frame = std::fabs(u - 0.5f) < 0.06f || std::fabs(v - 0.5f) < 0.06f || u < 0.09f || u > 0.91f ||
+                           v < 0.09f || v > 0.91f;
+        return Frame ? SColour{0.30f, 0.18f, 0.10f} : Blend({1.0f, 0.78f, 0.36f}, {0.95f, 0.55f, 0.20f}, v);
+    }
+    case ARROW_RIGHT:
+        return CellColour(ARROW_LEFT, 1 - u, v);
+    case ARROW_LEFT: {
+        const bool Shaft = std::fabs(v - 0.5f) < 0.14f && u > 0.3f && u < 0.9f;
+        const bool Tip = u >= 0.06f && u <= 0.42f && std::fabs(v - 0.5f) < (u - 0.06f) * 1.1f;
+        return Shaft || Tip ? SColour{0.82f, 0.16f, 0.08f} : SColour{0.93f, 0.90f, 0.80f};
+    }
+    case DARK:
+        return {0.13f, 0.12f, 0.12f};
+    case STRAW: {
+        const float Tone = 0.75f + 0.4f * NoiseFbm(u * 6, v * 60, 3, 440);
+        return {0.80f * Tone, 0.62f * Tone, 0.26f * Tone};
+    }
+    default:
+        return WoodColour(u, v, 1);
+    }
+}
+
+bool PaintTexture(const char* File) {
+    constexpr int SIDE = 1024;
+    constexpr int CELL_SIDE = SIDE / ATLAS_CELLS;
+    CPicture Picture(SIDE, SIDE, 3);
+    for (int y = 0; y < SIDE; ++y) {
+        for (int x = 0; x < SIDE; ++x) {
+            const SColour c = CellColour(y / CELL_SIDE * ATLAS_CELLS + x / CELL_SIDE,
+                                         (static_cast<float>(x % CELL_SIDE) + 0.5f) / CELL_SIDE,
+                                         (static_cast<float>(y % CELL_SIDE) + 0.5f) / CELL_SIDE);
+            Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), c.r, c.g, c.b);
+        }
+    }
+    return Picture.SavePng(File);
+}
+
+struct SModel {
+    const char* Name;
+    void (*Make)(CShape&);
+};
+
+constexpr SModel MODELS[] = {
+    {"Boulder",
+     [](CShape& Shape) {
+         AddRock(Shape, {0, 0, 1}, {8, 7, 6}, 500);
+     }},
+    {"Crag",
+     [](CShape& Shape) {
+         AddRock(Shape, {0, 0, 4}, {9, 7, 15}, 510);
+         AddRock(Shape, {9, 4, 0}, {6, 6, 7}, 511);
+     }},
+    {"Stones",
+     [](CShape& Shape) {
+         AddRock(Shape, {-6, 1, 0}, {5, 4, 3.6f}, 520);
+         AddRock(Shape, {4, -2, 0}, {6, 5, 4.4f}, 521);
+         AddRock(Shape, {0, 7, -0.4f}, {3.4f, 3.6f, 2.6f}, 522);
+     }},
+    {"FallenTrunk", MakeTrunk},
+    {"Fence", MakeFence},
+    {"StartGate", [](CShape& Shape) { MakeGate(Shape, START); }},
+    {"FinishGate", [](CShape& Shape) { MakeGate(Shape, FINISH); }},
+    {"FlagRed", [](CShape& Shape) { MakeFlag(Shape, RED); }},
+    {"FlagBlue", [](CShape& Shape) { MakeFlag(Shape, BLUE); }},
+    {"Hut", MakeHut},
+    {"SignLeft", [](CShape& Shape) { MakeSign(Shape, ARROW_LEFT); }},
+    {"SignRight", [](CShape& Shape) { MakeSign(Shape, ARROW_RIGHT); }},
+    {"HayBales", MakeBales},
+};
+
+} // namespace
+
+bool MakeModels(const char* Name, const char* File) {
+    if (std::strcmp(Name, "SceneryTexture") == 0) {
+        return PaintTexture(File);
+    }
+    for (const SModel& Model : MODELS) {
+        if (std::strcmp(Name, Model.Name) == 0) {
+            CShape Shape;
+            Model.Make(Shape);
+            return WriteObj(File, Shape);
+        }
+    }
+    return false;
+}
