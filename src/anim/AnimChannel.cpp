@@ -2,7 +2,6 @@
 #include "foundation/Diagnostics.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -25,11 +24,6 @@ void FindTracks(const SAnimation& Anim, const GArray<GString>& BoneNames, GArray
 const SAnimTrack* FindTrack(const SAnimation* Anim, const GString& Bone) {
     const auto* Found = Anim ? Anim->Tracks.Find(Bone) : nullptr;
     return Found ? &Found->value : nullptr;
-}
-
-float Wrapped(float Time, float Length) {
-    const float Rest = std::fmod(Time, Length);
-    return Rest < 0 ? Rest + Length : Rest;
 }
 
 } // namespace
@@ -76,23 +70,24 @@ void SAnimChannel::Freeze() {
     CurTracksOf = PrevTracksOf = nullptr;
 }
 
+// The order of the comparisons takes a step that is no number back to 0 and ends a one-shot with it.
 UINT32 SAnimChannel::Advance(float Step) {
     LastStep = Step;
-    Blend = std::clamp(Blend + BlendRate * Step, 0.0f, 1.0f);
+    Blend = std::min(1.0f, std::max(0.0f, Blend + BlendRate * Step));
     if (Blend == 1.0f) {
         Prev = nullptr;
     }
     CurTime += Step;
     PrevTime += Step;
     if (Once) {
-        if (Cur && Cur->Time < CurTime) {
+        if (Cur && !(CurTime <= Cur->Time)) {
             Cur = Prev = nullptr;
             Once = 0;
             return 1;
         }
     } else if (Cur) {
-        CurTime = Wrapped(CurTime, Cur->Time);
-        PrevTime = Wrapped(PrevTime, Cur->Time);
+        CurTime = AnimWrap(CurTime, Cur->Time);
+        PrevTime = AnimWrap(PrevTime, Cur->Time);
     }
     return 0;
 }

@@ -87,7 +87,13 @@ GString WeightsFile(const char* File) {
     return Name;
 }
 
-void ReadWeights(const GString& Text, SAnimation& Anim) {
+} // namespace
+
+UINT32 AnimRead(GArray<UINT8>& Bytes, SAnimation& Anim) {
+    return CAnimReader(Bytes, Anim).Read() ? 1 : 0;
+}
+
+void AnimReadWeights(const GString& Text, SAnimation& Anim) {
     for (INT32 Pos = 0; Pos < static_cast<INT32>(Text.Length());) {
         F_SkipBlanks(Pos, Text);
         const GString Name = F_ReadString(Pos, Text, F_IsName);
@@ -99,16 +105,14 @@ void ReadWeights(const GString& Text, SAnimation& Anim) {
     }
 }
 
-} // namespace
-
 UINT32 AnimLoad(const char* File, SAnimation& Anim) {
     GArray<UINT8> Bytes;
-    if (!F_ReadFile(File, Bytes) || !CAnimReader(Bytes, Anim).Read()) {
+    if (!F_ReadFile(File, Bytes) || !AnimRead(Bytes, Anim)) {
         return 0;
     }
     GString Weights;
     if (F_ReadTextFile(WeightsFile(File), Weights)) {
-        ReadWeights(Weights, Anim);
+        AnimReadWeights(Weights, Anim);
     }
     return 1;
 }

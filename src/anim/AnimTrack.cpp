@@ -1,5 +1,5 @@
 #include "anim/Animation.h"
-#include "foundation/Diagnostics.h"
+#include "foundation/GCheck.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,10 +25,23 @@ Quat SampleCurve(const SAnimKey& A, const SAnimKey& B, float u) {
     return M_QuatSlerp(S, T, u);
 }
 
+float Clamped(float Time, float Length) {
+    const float t = std::isnan(Time) ? 0 : Time;
+    return t < 0 ? 0 : t > Length ? Length : t;
+}
+
 } // namespace
 
+float AnimWrap(float Time, float Length) {
+    const float Rest = std::fmod(Time, Length);
+    if (std::isnan(Rest)) {
+        return 0;
+    }
+    return Rest < 0 ? Rest + Length : Rest;
+}
+
 void SAnimTrack::AddKey(const SAnimKey& k) {
-    G_ASSERT(k.Time <= Time && k.Time >= 0);
+    GCHECK_IN("GameAnim", k.Time <= Time && k.Time >= 0, "k.Time <= Time && k.Time >= 0");
     UINT32 At = Keys.count;
     // From the end, since files mostly have their keys in order.
     while (At > 0 && Keys[At - 1].Time > k.Time) {
@@ -51,11 +64,7 @@ Quat SAnimTrack::Sample(float AtTime, bool Loop) const {
     if (Keys.count == 0) {
         return {0, 0, 0, 0};
     }
-    float t = std::clamp(AtTime, 0.0f, Time);
-    if (Loop) {
-        t = std::fmod(AtTime, Time);
-        t = t < 0 ? t + Time : t;
-    }
+    const float t = Loop ? AnimWrap(AtTime, Time) : Clamped(AtTime, Time);
     // The search takes the time as it is given, not the wrapped one: past the last key the ring closes.
     const SAnimKey* After = std::upper_bound(Keys.begin(), Keys.end(), AtTime,
                                              [](float Given, const SAnimKey& Key) { return Given < Key.Time; });

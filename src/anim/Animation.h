@@ -7,7 +7,8 @@
 // Cost: AnimAddRef reads two files at most; Sample is a search in the keys and six slerps.
 // Bad input: a missing file, a wrong magic and a file that ends early make AnimLoad give 0, which is fatal in
 // AnimAddRef; a track or key count of zero and a key outside its animation fail an assertion. Counts are checked
-// against the file's size before memory is taken. Keys that do not begin at time 0 extrapolate before the first.
+// against the file's size before memory is taken. Keys that do not begin at time 0 extrapolate before the first. A time
+// that is no number, or that a length of 0 can't hold, shows the pose of time 0.
 #pragma once
 
 #include "foundation/GTemplate.h"
@@ -23,6 +24,9 @@ struct SAnimKey {
 
 // Time of a track that has not got the length of its animation yet.
 constexpr float ANIM_TRACK_TIME_UNSET = 0.01337f;
+
+// The time in the loop of that length; 0 where there is none.
+float AnimWrap(float Time, float Length);
 
 struct SAnimTrack {
     // Keys stay sorted; a key behind those of equal time.
@@ -57,3 +61,7 @@ void AnimRelease(SAnimation* Anim);
 
 // Reads an animation and, if there is one beside it, its weights file. 1, or 0 if the file is missing or damaged.
 UINT32 AnimLoad(const char* File, SAnimation& Anim);
+
+// The same from a file's content. Bytes that end early give 0 and leave the tracks before that place.
+UINT32 AnimRead(GArray<UINT8>& Bytes, SAnimation& Anim);
+void AnimReadWeights(const GString& Text, SAnimation& Anim);
