@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr const char* MODEL = "model"; // what a block begins with
+
 // The value of a key, empty if the line lacks it.
 GString Attribute(const SMddLine& Line, const char* Key) {
     const auto* Found = Line.Attrs.Find(Key);
@@ -32,7 +34,7 @@ void AddTextures(const SMddBlock& Block, SMesh& Mesh, UINT32 Part) {
 }
 
 // The geometry is in the mesh already; the table says where.
-void LinkPart(const SMeshPartTable& Parts, const GString& Name, SMeshPart& Part) {
+void LinkPart(const SMeshPartTable& Parts, const GString& Name, const SMesh& Mesh, SMeshPart& Part) {
     const auto* Found = Parts.Find(Name);
     if (!Found) {
         FatalError("Animated Mesh Loader: Could not link parts by names...\n");
@@ -42,6 +44,9 @@ void LinkPart(const SMeshPartTable& Parts, const GString& Name, SMeshPart& Part)
     Part.IBOffset[0] = Source.IndexStart;
     Part.VertexCount = Source.VertexCount;
     Part.TriangleCount[0] = Source.TriangleCount;
+    for (UINT32 i = 0; i < Source.VertexCount; ++i) {
+        Part.Points.Add(Mesh.Vertices[Source.VertexStart + i].Position);
+    }
 }
 
 // "animmesh=PATH" in the first line. 0 if it is there and the file can't be loaded; without it nothing is read.
@@ -62,7 +67,6 @@ INT32 ReadAnimMesh(const GString& Text, INT32& Pos, SMesh& Mesh, SMeshPartTable&
 } // namespace
 
 INT32 MeshReadBlock(const GString& Text, INT32& Pos, SMddBlock& Block) {
-    const INT32 End = static_cast<INT32>(Text.Length());
     F_SkipBlanks(Pos, Text);
     Block.Clear();
     INT32 Ahead = Pos;
@@ -70,8 +74,10 @@ INT32 MeshReadBlock(const GString& Text, INT32& Pos, SMddBlock& Block) {
     if (Word.Empty()) {
         return 0;
     }
-    const bool hasmdl = Word == "model";
-    G_ASSERT(hasmdl);
+    if (Word != MODEL) {
+        LogPrintf("A mesh descriptor has \"%s\" where a line begins with \"%s\"\n", Word.CStr(), MODEL);
+        return 0;
+    }
     do {
         Pos = Ahead;
         SMddLine Line;
@@ -80,12 +86,8 @@ INT32 MeshReadBlock(const GString& Text, INT32& Pos, SMddBlock& Block) {
         Block.Add(Line);
         F_SkipLine(Pos, Text);
         F_SkipBlanks(Pos, Text);
-        if (Pos >= End) {
-            break;
-        }
         Ahead = Pos;
-        Word = F_ReadString(Ahead, Text, F_IsAlpha);
-    } while (Word != "model");
+    } while (Pos < static_cast<INT32>(Text.Length()) && (Word = F_ReadString(Ahead, Text, F_IsAlpha)) != MODEL);
     return 1;
 }
 
@@ -93,7 +95,7 @@ INT32 MeshImportBlock(const SMddBlock& Block, SMesh& Mesh, const SMeshPartTable*
     const GString File = Attribute(Block[0], "file");
     SMeshPart Part;
     if (Parts) {
-        LinkPart(*Parts, File, Part);
+        LinkPart(*Parts, File, Mesh, Part);
     } else if (!MeshImportStatic(File.CStr(), Mesh, Part)) {
         LogPrintf("Failed to load mesh: %s\n", File.CStr());
         return 0;

@@ -1,5 +1,6 @@
 #include "graphics/MeshImport.h"
 
+#include "foundation/Diagnostics.h"
 #include "graphics/Mesh.h"
 
 #include <assimp/cimport.h>
@@ -84,6 +85,9 @@ INT32 MeshImportStatic(const char* File, SMesh& Mesh, SMeshPart& Part) {
     }
     const aiMesh* Source = FirstMesh(*Scene);
     if (Source) {
+        if (Scene->mNumMeshes > 1) {
+            LogPrintf("%s: %u meshes, only the first is taken\n", File, Scene->mNumMeshes);
+        }
         Append(*Source, Mesh, Part);
     }
     aiReleaseImport(Scene);

@@ -5,6 +5,7 @@
 #include "graphics/MeshFile.h"
 
 #include <cstring>
+#include <iterator>
 
 namespace {
 
@@ -22,9 +23,12 @@ public:
     CSkinnedReader(GArray<UINT8>& Bytes, SMesh& Mesh, SMeshPartTable& Parts, const char* File)
         : Reader(Bytes), Mesh(Mesh), Parts(Parts), File(File) {}
 
-    bool Read() {
-        return ReadMagic() && ReadVertices() && ReadIndices() && ReadParts() && ReadBones() && ArePartsSound() &&
-               AreBoneIndicesSound();
+    ESkinnedFile Read() {
+        const bool Complete = ReadMagic() && ReadVertices() && ReadIndices() && ReadParts() && ReadBones();
+        if (ParentLost) {
+            return ESkinnedFile::ParentLost;
+        }
+        return Complete && ArePartsSound() && AreBoneIndicesSound() ? ESkinnedFile::Good : ESkinnedFile::Damaged;
     }
 
 private:
@@ -80,6 +84,7 @@ private:
         return true;
     }
 
+    // Into an empty string.
     bool ReadText(GString& Text) {
         UINT32 Length = 0;
         if (Left() < sizeof(Length)) {
@@ -89,11 +94,8 @@ private:
         if (Length > Left()) {
             return false;
         }
-        GArray<char> Characters;
-        Characters.Resize(Length);
-        Reader.Serialize(Characters.Data, Length);
-        Text.Clear();
-        Text.Append(Characters.Data, Length);
+        Text.Append(reinterpret_cast<const char*>(Reader.Bytes->Data) + Reader.Position, Length);
+        Reader.Position += Length;
         return true;
     }
 
@@ -102,6 +104,7 @@ private:
         if (!ReadCount(Count, PART_BYTES)) {
             return false;
         }
+        Parts.Clear();
         for (UINT32 i = 0; i < Count; ++i) {
             GString Name;
             if (!ReadText(Name) || Left() < PART_BYTES - sizeof(UINT32)) {
@@ -123,6 +126,7 @@ private:
             LogPrintf("%s has %u bones, %u are the most\n", File, Count, MESH_MAX_BONES);
             return false;
         }
+        Mesh.Bones.Clear();
         Mesh.Bones.Resize(Count);
         for (UINT32 i = 0; i < Count; ++i) {
             if (!ReadBone(i)) {
@@ -145,28 +149,32 @@ private:
         M_Mat4Identity(Bone.InvBind); // what a matrix without an inverse keeps
         M_Mat4Inverse(Bone.Bind, Bone.InvBind);
         Bone.ToParent = Bone.Bind;
-        if (!ParentName.Empty()) {
-            LinkBone(Bone, ParentName);
+        if (ParentName.Empty()) {
+            return true;
+        }
+        ParentLost = !LinkBone(Bone, ParentName);
+        if (!ParentLost) {
             M_Mat4Mul(Bone.ToParent, Bone.Parent->InvBind, Bone.Bind);
         }
-        return true;
+        return !ParentLost;
     }
 
     // A parent stands before its children; children keep the order of the file.
-    void LinkBone(SBone& Bone, const GString& ParentName) {
+    bool LinkBone(SBone& Bone, const GString& ParentName) {
         for (UINT32 i = 0; i < Bone.Index && !Bone.Parent; ++i) {
             if (Mesh.Bones[i].Name == ParentName) {
                 Bone.Parent = &Mesh.Bones[i];
             }
         }
         if (!Bone.Parent) {
-            FatalError("Mesh Loader: Could not link bones, file %s is probably damaged\n", File);
+            return false;
         }
         SBone** End = &Bone.Parent->Child;
         while (*End) {
             End = &(*End)->Next;
         }
         *End = &Bone;
+        return true;
     }
 
     bool IsPartSound(const SMeshFilePart& Part) const {
@@ -192,12 +200,17 @@ private:
         return true;
     }
 
-    // The shaders use an index as it stands.
+    // The shaders use an index as it stands, also one without weight: that one must at least lie in their array.
+    bool IsBoneSound(const SSkinVertex& Skin, UINT32 Slot) const {
+        const UINT32 Limit = Skin.Weights[Slot] == 0 ? MESH_MAX_BONES : Mesh.Bones.count;
+        return Skin.BoneIndices[Slot] < Limit;
+    }
+
     bool AreBoneIndicesSound() {
         for (const SSkinVertex& Skin : Mesh.SkinVertices) {
-            for (UINT8 Index : Skin.BoneIndices) {
-                if (Index >= Mesh.Bones.count) {
-                    LogPrintf("%s: a vertex follows bone %u of %u\n", File, Index, Mesh.Bones.count);
+            for (UINT32 Slot = 0; Slot < std::size(Skin.BoneIndices); ++Slot) {
+                if (!IsBoneSound(Skin, Slot)) {
+                    LogPrintf("%s: a vertex follows bone %u of %u\n", File, Skin.BoneIndices[Slot], Mesh.Bones.count);
                     return false;
                 }
             }
@@ -209,14 +222,23 @@ private:
     SMesh& Mesh;
     SMeshPartTable& Parts;
     const char* File;
+    bool ParentLost = false;
 };
 
 } // namespace
+
+ESkinnedFile MeshReadSkinned(SMeshPartTable& Parts, SMesh& Mesh, GArray<UINT8>& Bytes, const char* File) {
+    return CSkinnedReader(Bytes, Mesh, Parts, File).Read();
+}
 
 INT32 MeshLoadSkinned(SMeshPartTable& Parts, SMesh& Mesh, const char* File) {
     GArray<UINT8> Bytes;
     if (!F_ReadFile(File, Bytes)) {
         return 0;
     }
-    return CSkinnedReader(Bytes, Mesh, Parts, File).Read() ? 1 : 0;
+    const ESkinnedFile Result = MeshReadSkinned(Parts, Mesh, Bytes, File);
+    if (Result == ESkinnedFile::ParentLost) {
+        FatalError("Mesh Loader: Could not link bones, file %s is probably damaged\n", File);
+    }
+    return Result == ESkinnedFile::Good ? 1 : 0;
 }
