@@ -68,7 +68,8 @@ void Append(const aiMesh& Source, SMesh& Mesh, SMeshPart& Part) {
     Part.TriangleCount[0] = (Mesh.Indices.count - Part.IBOffset[0]) / 3;
 }
 
-// The mesh to take: the first one, if the root holds it.
+// The mesh to take: the first one, if the root holds it. The library hangs several meshes below the root, and also one
+// that comes with lights or cameras.
 const aiMesh* FirstMesh(const aiScene& Scene) {
     const aiNode* Root = Scene.mRootNode;
     const bool Held = Root && Root->mNumMeshes > 0 && Root->mMeshes[0] == 0 && Scene.mNumMeshes > 0;
@@ -83,11 +84,11 @@ INT32 MeshImportStatic(const char* File, SMesh& Mesh, SMeshPart& Part) {
     if (!Scene) {
         return 0;
     }
+    if (Scene->mNumMeshes > 1) {
+        LogPrintf("%s holds %u meshes; a model is one mesh of one material\n", File, Scene->mNumMeshes);
+    }
     const aiMesh* Source = FirstMesh(*Scene);
     if (Source) {
-        if (Scene->mNumMeshes > 1) {
-            LogPrintf("%s: %u meshes, only the first is taken\n", File, Scene->mNumMeshes);
-        }
         Append(*Source, Mesh, Part);
     }
     aiReleaseImport(Scene);

@@ -8,6 +8,7 @@
 struct SMesh;
 struct SMeshPart;
 
-// Appends the file's first mesh to the arrays and fills the part's ranges. 0 if the file can't be read, or holds no
-// mesh of triangles. Without UVs or tangents in the file these stay zero.
+// Appends the file's first mesh to the arrays and fills the part's ranges. 0 if the file can't be read, or its root
+// does not hold a mesh of triangles; of several meshes a line tells the count. Without UVs or tangents in the file
+// these stay zero.
 INT32 MeshImportStatic(const char* File, SMesh& Mesh, SMeshPart& Part);

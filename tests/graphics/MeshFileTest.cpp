@@ -203,8 +203,11 @@ TEST_F(MeshFileTest, EachModelIsAPartWithItsSlots) {
 
 TEST_F(MeshFileTest, WhatCannotBeLoadedIsLeftOutOrRefused) {
     WriteText("lines.obj", "v 1 0 0\nv 2 0 0\nv 1 3 0\nl 1 2\nl 2 3\n");
+    WriteText("two.mtl", "newmtl a\nnewmtl b\n");
+    WriteText("two.obj", "mtllib two.mtl\nv 0 0 0\nv 1 0 0\nv 0 1 0\nusemtl a\nf 1 2 3\nusemtl b\nf 1 3 2\n");
     WriteText("magic.bin", "WLAN");
-    EXPECT_EQ(Load("model file=missing.obj\nmodel file=a.obj\nmodel file=lines.obj\nmodel\n"),
+    EXPECT_EQ(Load("model file=two.obj\nmodel file=missing.obj\nmodel file=a.obj\nmodel file=lines.obj\nmodel\n"),
+              "two.obj holds 2 meshes; a model is one mesh of one material\nFailed to load mesh: two.obj\n"
               "Failed to load mesh: missing.obj\nFailed to load mesh: lines.obj\nFailed to load mesh: \n");
     EXPECT_EQ(Result, 1);
     EXPECT_EQ(Mesh.GetPartCount(), 1u);
