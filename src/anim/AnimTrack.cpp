@@ -26,8 +26,7 @@ Quat SampleCurve(const SAnimKey& A, const SAnimKey& B, float u) {
 }
 
 float Clamped(float Time, float Length) {
-    const float t = std::isnan(Time) ? 0 : Time;
-    return t < 0 ? 0 : t > Length ? Length : t;
+    return Time < 0 ? 0 : Time > Length ? Length : Time;
 }
 
 } // namespace
@@ -64,6 +63,7 @@ Quat SAnimTrack::Sample(float AtTime, bool Loop) const {
     if (Keys.count == 0) {
         return {0, 0, 0, 0};
     }
+    AtTime = std::isnan(AtTime) ? 0 : AtTime;
     const float t = Loop ? AnimWrap(AtTime, Time) : Clamped(AtTime, Time);
     // The search takes the time as it is given, not the wrapped one: past the last key the ring closes.
     const SAnimKey* After = std::upper_bound(Keys.begin(), Keys.end(), AtTime,

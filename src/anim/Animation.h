@@ -8,7 +8,7 @@
 // Bad input: a missing file, a wrong magic and a file that ends early make AnimLoad give 0, which is fatal in
 // AnimAddRef; a track or key count of zero and a key outside its animation fail an assertion. Counts are checked
 // against the file's size before memory is taken. Keys that do not begin at time 0 extrapolate before the first. A time
-// that is no number, or that a length of 0 can't hold, shows the pose of time 0.
+// that is no number counts as 0; an animation of length 0 stays at 0.
 #pragma once
 
 #include "foundation/GTemplate.h"
