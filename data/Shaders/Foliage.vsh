@@ -24,7 +24,8 @@ void main()
 	float Out = length(gl_Vertex.xy);
 	vec3 Crown = vec3(gl_Vertex.xy / max(Out, 0.01), 0.75);
 	Normal = (WorldMatrix * vec4(normalize(Crown) + 0.25 * gl_Normal, 0.0)).xyz;
-	Open = 0.45 + 0.55 * smoothstep(0.0, 9.0, Out);
+	// A card's v is 1 at the trunk, where the boughs above take the sky away, and 0 at its tip.
+	Open = 1.0 - 0.42 * gl_MultiTexCoord0.y;
 	TexCoord = gl_MultiTexCoord0.xy;
 	Shown = 1.0 - smoothstep(400.0, 490.0, distance(WorldMatrix[3].xyz, CameraPos));
 	gl_Position = ProjectionMatrix * (ViewMatrix * World);

@@ -27,10 +27,12 @@ protected:
         GlFixture::TearDown();
     }
 
-    void Use(const char* Pixel, const char* Vertex, const char* Macro = nullptr) {
+    void Use(const char* Pixel, const char* Vertex, const char* Macro = nullptr, const char* Skinning = nullptr) {
         GArray<const char*> Macros;
-        if (Macro) {
-            Macros.Add(Macro);
+        for (const char* Name : {Macro, Skinning}) {
+            if (Name) {
+                Macros.Add(Name);
+            }
         }
         Id = ShaderGetProgram(Pixel, Vertex, Macros);
         glUseProgram(Id);
@@ -85,7 +87,7 @@ protected:
 };
 
 TEST_F(Shaders, EveryRequestLinks) {
-    const char* const Requests[][3] = {{"GUI", "GUI"},
+    const char* const Requests[][4] = {{"GUI", "GUI"},
                                        {"Sprite", "Sprite"},
                                        {"FSQuad", "FSQuad"},
                                        {"PostProcess", "FSQuad"},
@@ -93,10 +95,16 @@ TEST_F(Shaders, EveryRequestLinks) {
                                        {"Sky", "Sky"},
                                        {"Terrain", "Terrain", LIGHT_AMBDIR},
                                        {"Terrain", "Terrain", LIGHT_SPOT},
+                                       {"Mesh", "Mesh", LIGHT_AMBDIR},
+                                       {"Mesh", "Mesh", LIGHT_SPOT},
+                                       {"Mesh", "Mesh", LIGHT_AMBDIR, "SKINNING"},
+                                       {"Mesh", "Mesh", LIGHT_SPOT, "SKINNING"},
+                                       {"Foliage", "Foliage", LIGHT_AMBDIR},
+                                       {"Foliage", "Foliage", LIGHT_SPOT},
                                        {"RenderShadow", "RenderShadow"},
                                        {"RenderShadow", "RenderShadow", "SKINNING"}};
-    for (const auto& [Pixel, Vertex, Macro] : Requests) {
-        Use(Pixel, Vertex, Macro);
+    for (const auto& [Pixel, Vertex, Macro, Skinning] : Requests) {
+        Use(Pixel, Vertex, Macro, Skinning);
         GLint Linked = 0;
         glGetProgramiv(Id, GL_LINK_STATUS, &Linked);
         EXPECT_EQ(Linked, GL_TRUE) << Pixel << (Macro ? Macro : "");

@@ -20,8 +20,10 @@ struct SColour {
     float r, g, b;
 };
 
-constexpr SColour DARK_NEEDLE = {0.045f, 0.115f, 0.075f};
-constexpr SColour LIGHT_NEEDLE = {0.16f, 0.31f, 0.17f};
+constexpr SColour DARK_NEEDLE = {0.055f, 0.135f, 0.095f};
+constexpr SColour LIGHT_NEEDLE = {0.20f, 0.36f, 0.22f};
+constexpr SColour FROST = {0.70f, 0.79f, 0.82f};
+constexpr SColour RIM = {0.17f, 0.27f, 0.22f}; // where nothing is; filtering mixes it into the outline
 constexpr SColour SNOW = {0.90f, 0.93f, 0.98f};
 constexpr SColour SNOW_SHADE = {0.62f, 0.70f, 0.84f};
 
@@ -35,7 +37,7 @@ public:
     CBough() {
         Colours.Resize(SIDE * SIDE);
         Alphas.Resize(SIDE * SIDE);
-        std::fill(Colours.begin(), Colours.end(), DARK_NEEDLE);
+        std::fill(Colours.begin(), Colours.end(), RIM);
     }
 
     void Grow() {
@@ -121,7 +123,10 @@ private:
             const SPoint Root = {Mix(From.x, To.x, t), Mix(From.y, To.y, t)};
             const float Turn = Angle + (k % 2 ? 1.0f : -1.0f) * (0.55f + 0.5f * NoiseCell(k, Twig, 60));
             const float Length = LENGTH * (0.7f + 0.6f * NoiseCell(k, Twig, 61)) * (1.1f - 0.5f * t);
-            const SColour Colour = Blend(DARK_NEEDLE, LIGHT_NEEDLE, NoiseCell(k, Twig, 62) * (0.35f + 0.65f * t));
+            const SColour Green = Blend(DARK_NEEDLE, LIGHT_NEEDLE, NoiseCell(k, Twig, 62) * (0.35f + 0.65f * t));
+            // Hoar frost grows at the ends of twigs.
+            const float Frost = NoiseCell(k, Twig, 63);
+            const SColour Colour = Blend(Green, FROST, 0.85f * Frost * Frost * t);
             const SPoint End = {Root.x + std::cos(Turn) * Length, Root.y + std::sin(Turn) * Length};
             Disc(Root, 0.030f, DARK_NEEDLE, GAP_ALPHA);
             Stroke(Root, End, 0.0035f, 0.0015f, Colour);
@@ -163,7 +168,7 @@ bool MakeBark(const char* File) {
             const float Plate = SmoothStep(0.0f, 0.22f, Second - Near);
             const float Grain = 0.5f + 0.5f * NoiseFbmTiled(u * 16, v * 32, 16, 32, 3, 82);
             const float Light = (0.35f + 0.65f * Plate) * (0.6f + 0.5f * Grain);
-            SColour Colour = Blend({0.10f, 0.065f, 0.05f}, {0.40f, 0.29f, 0.22f}, Light);
+            SColour Colour = Blend({0.10f, 0.078f, 0.066f}, {0.37f, 0.30f, 0.25f}, Light);
             // Blown snow sticks on one side.
             const float Windward = 0.5f + 0.5f * std::cos((u - 0.3f) * 6.2831853f);
             const float Stuck = SmoothStep(0.75f, 0.95f, Windward + 0.35f * NoiseFbmTiled(u * 8, v * 8, 8, 8, 4, 83));
