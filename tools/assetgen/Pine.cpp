@@ -173,6 +173,8 @@ bool MakeBark(const char* File) {
             const float Windward = 0.5f + 0.5f * std::cos((u - 0.3f) * 6.2831853f);
             const float Stuck = SmoothStep(0.75f, 0.95f, Windward + 0.35f * NoiseFbmTiled(u * 8, v * 8, 8, 8, 4, 83));
             Colour = Blend(Colour, SNOW, 0.85f * Stuck * Plate);
+            // The top of the trunk, v 1, is a shoot as frosty as the boughs round it.
+            Colour = Blend(Colour, FROST, 0.8f * SmoothStep(0.60f, 0.85f, v));
             Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), Colour.r, Colour.g, Colour.b);
         }
     }
