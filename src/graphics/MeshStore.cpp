@@ -2,6 +2,8 @@
 #include "graphics/Mesh.h"
 #include "graphics/MeshFile.h"
 
+#include <cstdint>
+
 GMap<GString, SMeshRec*> GMeshByName;
 GMap<SMesh*, SMeshRec*> GMeshByPtr;
 

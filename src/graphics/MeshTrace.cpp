@@ -13,8 +13,8 @@ constexpr UINT32 MAX_DEPTH = 64;
 // Boxes are taken this much larger, in parts of their size and distance, since the triangle test rounds in its own way.
 constexpr float MARGIN = 1e-4f;
 
-// Where the ray can be inside the box along one axis, cut into [Enter, Leave]. Comparisons that a NaN makes false leave
-// the range as it is.
+// Where the ray can be inside the box along one axis, cut into [Enter, Leave]. A ray along another axis divides by
+// zero: infinities stay what they are, and comparisons that a NaN makes false leave the range as it is.
 void CutToSlab(float Origin, float Dir, float Min, float Max, float& Enter, float& Leave) {
     const float Slack = MARGIN * (std::fabs(Min) + std::fabs(Max) + std::fabs(Origin));
     float a = (Min - Slack - Origin) / Dir;
@@ -22,8 +22,8 @@ void CutToSlab(float Origin, float Dir, float Min, float Max, float& Enter, floa
     if (a > b) {
         std::swap(a, b);
     }
-    a -= MARGIN * std::fabs(a);
-    b += MARGIN * std::fabs(b);
+    a *= a > 0 ? 1 - MARGIN : 1 + MARGIN;
+    b *= b > 0 ? 1 + MARGIN : 1 - MARGIN;
     if (a > Enter) {
         Enter = a;
     }
