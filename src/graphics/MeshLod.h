@@ -3,10 +3,10 @@
 // While the list holds more entries than a level's share, the shortest edge of all triangles goes: its second vertex
 // disappears into the first, and triangles that held both are taken out. Of equal edges the first in the list goes. No
 // vertex changes, so a level is an index list and nothing else. Every part keeps its own triangles in a range of its
-// own; ranges stand in the order of level 0. What no part names is left out, also when the shares are counted.
-// Cost: about n log n in the indices for all levels together, since each goes on where the one before ended.
-// Bad input: a part with an index beyond its vertices, or a range beyond the arrays, fails an assertion. Edges without
-// a finite length never go.
+// own; ranges stand in the order of level 0. What no part names is left out, also when the shares are counted. Parts
+// that name the same triangles get each a copy of them, and collapse apart. Cost: about n log n in the indices for all
+// levels together, since each goes on where the one before ended. Bad input: a part with an index beyond its vertices,
+// or a range beyond the arrays, fails an assertion. Edges without a finite length never go.
 #pragma once
 
 #include "graphics/Mesh.h"
