@@ -28,6 +28,21 @@ SGoldenPlace DefaultGoldenPlace() {
     return {SLOPERUSH_GOLDEN_DIR, SLOPERUSH_GOLDEN_FAILURES_DIR, Renew && std::string(Renew) == "1"};
 }
 
+SPicture Shrunk(const SPicture& Big) {
+    constexpr int FACTOR = 4;
+    SPicture Small{Big.Width / FACTOR, Big.Height / FACTOR, {}};
+    for (int i = 0; i < Small.Width * Small.Height * 3; ++i) {
+        const int X = i / 3 % Small.Width * FACTOR;
+        const int Y = i / 3 / Small.Width * FACTOR;
+        int Sum = 0;
+        for (int k = 0; k < FACTOR * FACTOR; ++k) {
+            Sum += Big.Rgb[((Y + k / FACTOR) * Big.Width + X + k % FACTOR) * 3 + i % 3];
+        }
+        Small.Rgb.push_back(static_cast<UINT8>(Sum / (FACTOR * FACTOR)));
+    }
+    return Small;
+}
+
 bool WritePng(const std::string& Path, const SPicture& Picture) {
     std::filesystem::create_directories(std::filesystem::path(Path).parent_path());
     std::filesystem::remove(Path);

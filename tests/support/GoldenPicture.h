@@ -19,6 +19,9 @@ SGoldenPlace DefaultGoldenPlace();
 ::testing::AssertionResult MatchesGolden(const SPicture& Actual, const std::string& Name, double MaxMeanDifference,
                                          const SGoldenPlace& Place = DefaultGoldenPlace());
 
+// Means of blocks of 4 by 4 pixels, so that a kept picture is small.
+SPicture Shrunk(const SPicture& Big);
+
 // Lossless. False for an empty picture, one of width 0 for a missing file.
 bool WritePng(const std::string& Path, const SPicture& Picture);
 SPicture ReadPng(const std::string& Path);

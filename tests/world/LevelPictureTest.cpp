@@ -12,22 +12,6 @@ namespace {
 // Mean difference of a channel, 0 to 255, that two builds of the software renderer stay below.
 constexpr double GATE = 1.0;
 
-// Means of blocks, so that the kept picture is small.
-SPicture Shrunk(const SPicture& Big) {
-    constexpr int FACTOR = 4;
-    SPicture Small{Big.Width / FACTOR, Big.Height / FACTOR, {}};
-    for (int i = 0; i < Small.Width * Small.Height * 3; ++i) {
-        const int X = i / 3 % Small.Width * FACTOR;
-        const int Y = i / 3 / Small.Width * FACTOR;
-        int Sum = 0;
-        for (int k = 0; k < FACTOR * FACTOR; ++k) {
-            Sum += Big.Rgb[((Y + k / FACTOR) * Big.Width + X + k % FACTOR) * 3 + i % 3];
-        }
-        Small.Rgb.push_back(static_cast<UINT8>(Sum / (FACTOR * FACTOR)));
-    }
-    return Small;
-}
-
 double MeanDifference(const SPicture& A, const SPicture& B) {
     double Sum = 0;
     for (std::size_t i = 0; i < A.Rgb.size(); ++i) {

@@ -13,7 +13,23 @@
 
 namespace {
 
-enum ECell { WOOD, PLANK, LOG_END, SNOW, ROCK, RED, BLUE, CHEQUER, START, FINISH, WINDOW, ARROW_LEFT, DARK, STRAW, ARROW_RIGHT };
+enum ECell {
+    WOOD,
+    PLANK,
+    LOG_END,
+    SNOW,
+    ROCK,
+    RED,
+    BLUE,
+    CHEQUER,
+    START,
+    FINISH,
+    WINDOW,
+    ARROW_LEFT,
+    DARK,
+    STRAW,
+    ARROW_RIGHT
+};
 
 constexpr Vec3 X = {1, 0, 0};
 constexpr Vec3 Y = {0, 1, 0};
@@ -114,10 +130,10 @@ void MakeGate(CShape& Shape, int Banner) {
     }
 }
 
+// Few enough triangles that it is drawn whole at any distance: reduced, a pole and its cloth would be a lump.
 void MakeFlag(CShape& Shape, int Cell) {
-    AddPost(Shape, {0, 0, -4}, {0, 0, 15}, 0.32f, DARK);
+    Shape.AddBox({0, 0, 5.5f}, X * 0.28f, Y * 0.28f, Z * 9.5f, DARK);
     Shape.AddSheet({0, 0, 8.5f}, {-7, 0.8f, 8.2f}, {-7, 0.8f, 14.2f}, {0, 0, 14.4f}, Cell);
-    AddSnow(Shape, {0, 0, -0.2f}, 2.2f, 2.0f, 1.2f);
 }
 
 void MakeHut(CShape& Shape) {

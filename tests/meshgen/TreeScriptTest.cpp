@@ -1,0 +1,178 @@
+// The script language: how often lines run, what they roll, what ends a script, and that damage ends in order.
+#include "foundation/Diagnostics.h"
+#include "meshgen/TreeMeshGen.h"
+#include "platform/Platform.h"
+#include "support/GlFixture.h"
+
+#include <cmath>
+#include <cstring>
+#include <random>
+
+namespace {
+
+constexpr const char* HEAD = "shade part=0 ps=M vs=M part=1 ps=F vs=F\ntrunk basepush=0;0\n";
+
+// The random numbers of the system, told again: 15 bits of a linear congruential generator.
+struct SReplay {
+    UINT32 State = 1;
+    float Roll(float Center, float Spread) {
+        State = State * 214013u + 2531011u;
+        const float Unit = static_cast<float>(static_cast<int>(State >> 16 & 0x7FFF) / 32767.0);
+        return Center + Spread * (2 * Unit - 1);
+    }
+};
+
+class TreeScript : public GlFixture {
+protected:
+    // The lines that growing commands log, joined; the blanks before each count the open loops.
+    std::string Grow(const std::string& Script) {
+        WriteText("Data/t.mgn", Script);
+        PlatSeedRand(1);
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(Tree.Generate("Data/t.mgn"), 1u);
+        return testing::internal::GetCapturedStdout();
+    }
+    static int Count(const std::string& Log, const std::string& Word) {
+        int Found = 0;
+        for (std::size_t At = Log.find(Word); At != std::string::npos; At = Log.find(Word, At + 1)) {
+            ++Found;
+        }
+        return Found;
+    }
+
+    STreeMeshGen Tree;
+};
+
+TEST_F(TreeScript, LoopsRunTheirLinesAndPopWhatTheyPushed) {
+    const std::string Log = Grow(std::string(HEAD) + "# a comment\n"
+                                                     "repeat count=2.1;0\n"            // 3 passes
+                                                     "branch sub=1;0 repeat=2.5;0\r\n" // 2: ties to even
+                                                     "leaf repeat=3.5;0\n"             // 4
+                                                     "branch_end\n"
+                                                     "repeat_end \n"
+                                                     "branch repeat=3;0\n"
+                                                     "branch_repend\n"
+                                                     "leaf\n"
+                                                     "branch sub=1;0\nbranch_end\n"
+                                                     "branch_end\n"
+                                                     "repeat count=-5;0\nleaf repeat=0;0\nrepeat_end\n"
+                                                     "branch repeat=0;0\n"
+                                                     "leaf depthq=1;0 heightq=1;0");
+    EXPECT_EQ(Count(Log, "subbranch\n"), 3 + 1);
+    EXPECT_EQ(Count(Log, " branch\n"), 3 + 3);
+    EXPECT_EQ(Count(Log, "leaf\n"), 3 * 2 * 4 + 1 + 1);
+    EXPECT_EQ(Log.substr(0, Log.find("branch\n", 10) + 7), " TRUNK\n   subbranch\n");
+    EXPECT_EQ(Log.substr(Log.size() - 6), " leaf\n") << "all loops are closed";
+    // Tubes of four sides and two rings, and a cap for each limb that ends alone.
+    const UINT32 Tubes = 1 + 6 + 3 + 1;
+    EXPECT_EQ(Tree.Mesh.Parts[0].TriangleCount[0], Tubes * 16 + (3 + 1 + 1) * 4);
+    EXPECT_EQ(Tree.Mesh.Parts[1].TriangleCount[0], 26u * 4);
+    // The last leaf hangs on the trunk, whose end is at 10, and stands on its anchor.
+    const SMeshPart& Foliage = Tree.Mesh.Parts[1];
+    const Vec3& Corner = Tree.Mesh.Vertices[Foliage.VertexStart + Foliage.VertexCount - 1].Position;
+    EXPECT_TRUE(std::fabs(Corner.z - 10) < 1e-4f || std::fabs(Corner.z - 14) < 1e-4f) << Corner.z;
+}
+
+TEST_F(TreeScript, EveryFieldRollsOnceInTheOrderOfTheLine) {
+    Grow("shade part=1 ps=F vs=F\n"
+         "trunk height=60;5 basepush=3;4 subw=4.5;1 rad=4;0.5\n"
+         "leaf repeat=2;0 extx=3;1 exty=6;2 heightq=0;0\n");
+    SReplay Replay;
+    Replay.Roll(60, 5);
+    const int Sides = static_cast<int>(std::ceil(Replay.Roll(4.5f, 1)));
+    Replay.Roll(4, 0.5f);
+    for (int i = 0; i < 256; ++i) {
+        Replay.Roll(0, 0); // the noise of the foot
+    }
+    EXPECT_EQ(Tree.Mesh.Parts[0].TriangleCount[0], static_cast<UINT32>(Sides * 2 * 2));
+    for (UINT32 Leaf = 0; Leaf < 2; ++Leaf) {
+        Replay.Roll(2, 0);
+        const float HalfWidth = Replay.Roll(3, 1);
+        const float HalfLength = Replay.Roll(6, 2);
+        Replay.Roll(0, 0);
+        const SMeshVertex& Vertex = Tree.Mesh.Vertices[Tree.Mesh.Parts[1].VertexStart + 8 * Leaf];
+        EXPECT_NEAR(std::fabs(Vertex.Position.x), HalfWidth, 1e-4f);
+        EXPECT_NEAR(std::fabs(Vertex.Position.z), HalfLength, 1e-4f);
+    }
+    EXPECT_EQ(PlatRand(), static_cast<int>((Replay.Roll(0, 0), Replay.State >> 16 & 0x7FFF)));
+}
+
+TEST_F(TreeScript, LimbsTurnAndMeasureAsTheirFieldsSay) {
+    // A limb at a right angle, then one of half its length, then a turn half way between 170 and -170 degrees.
+    Grow(std::string(HEAD) + "branch sub=1;0 heightq=1;0 rotabsx=90;0 rotabsy=90;0 rotqx=1;0 rotqy=1;0 height=8;0 "
+                             "htlerp=0;0 subh=1;0 radscale0=1;0 radscale=1;0\n"
+                             "branch htlerp=1;0 htscale=0.5;0 subh=1;0 radscale=1;0\nbranch_end\nbranch_end\n"
+                             "leaf rotrely=170;0 rotabsy=-170;0 rotqy=0.5;0 heightq=0;0 exty=5;0 depthq=1;0\n");
+    BBox Box;
+    Tree.Mesh.Parts.Resize(2);
+    ASSERT_EQ(Tree.Mesh.GetBounds(Box), 1u);
+    EXPECT_NEAR(Box.Max.y, 8 + 4, 1e-3f) << "(90, 90, 0) points along +Y";
+    EXPECT_NEAR(Box.Max.z, 10 + 4, 1e-3f) << "the trunk's length and the limb's radius";
+    EXPECT_NEAR(Box.Min.z, -10, 1e-3f) << "180 degrees, the short way round: straight down";
+}
+
+TEST_F(TreeScript, SameScriptSameBytesAndASecondRunStartsEmpty) {
+    const std::string Script =
+        std::string("shade part=0 part=1\ntrunk rad=4;2 rot2y=20;9\n") +
+        "repeat count=5;2\nbranch sub=1;0 rotrely=60;30 height=9;4\nleaf repeat=3;2 rotrelx=0;180\n"
+        "branch_end\nrepeat_end\n";
+    Grow(Script);
+    const GArray<SMeshVertex> Vertices = Tree.Mesh.Vertices;
+    Grow(Script);
+    ASSERT_EQ(Tree.Mesh.Vertices.count, Vertices.count);
+    EXPECT_EQ(std::memcmp(Tree.Mesh.Vertices.Data, Vertices.Data, Vertices.count * sizeof(SMeshVertex)), 0);
+    EXPECT_EQ(Grow("nonsense=1\nshade part=0 ps=A\n"), "");
+    EXPECT_EQ(Tree.Mesh.Vertices.count, 0u);
+    EXPECT_EQ(Tree.Mesh.GetPartCount(), 2u);
+    EXPECT_EQ(Tree.Generate("Data/none.mgn"), 0u);
+    EXPECT_EQ(Tree.Mesh.GetPartCount(), 2u);
+}
+
+TEST_F(TreeScript, WhatIsOutOfPlaceStopsWithTheFile) {
+    const std::string Head = HEAD;
+    const std::pair<std::string, const char*> Cases[] = {
+        {Head + "shade part=0", "Tree generator: shading is defined more than once, file: Data/t.mgn"},
+        {"trunk", "Tree generator: shading is not defined at beginning, file: Data/t.mgn"},
+        {Head + "trunk", "Tree generator: trunk is defined more than once, file: Data/t.mgn"},
+        {"shade part=0\ntrunk size=1;0", "Tree generator: unknown 'trunk' parameter 'size', file Data/t.mgn"},
+        {"branch", "Tree generator: branch defined before trunk, file: Data/t.mgn"},
+        {"leaf", "Tree generator: branch defined before trunk, file: Data/t.mgn"},
+        {"repeat", "Tree generator: 'repeat' used before 'trunk', file: Data/t.mgn"},
+        {Head + "branch x=1;0", "Tree generator: unknown 'branch' parameter 'x', file Data/t.mgn"},
+        {Head + "leaf sub=1;0", "Tree generator: unknown 'leaf' parameter 'sub', file Data/t.mgn"},
+        {Head + "repeat times=1;0", "Rock generator: unknown 'repeat' parameter, file Data/t.mgn"},
+        {Head + "branch_end", "more repeat/branch ends than repeats/branches, file Data/t.mgn"},
+        {Head + "repeat_end", "more repeat/branch ends than repeats/branches, file Data/t.mgn"},
+        {Head + "branch\nbranch_repend\nbranch_repend", "more repeat/branch ends than repeats/branches"},
+        {Head + "repeat\nbranch_end", "repeat.Top\\(\\).BranchRep == TRUE"},
+        {Head + "branch\nrepeat_end", "repeat.Top\\(\\).BranchRep == FALSE"},
+        {Head + "branch repeat=-1;0", "'repeat' is negative, file: Data/t.mgn"},
+        {"shade ps=M part=0", "'part' must come before 'ps', file: Data/t.mgn"},
+        {"shade part=2", "there is no part 2, file: Data/t.mgn"},
+        {Head + "branch sub=1;0 subw=1;0", "xsub > 1 && ysub > 0"},
+        {Head + "branch subh=0;0", "xsub > 1 && ysub > 0"},
+        {Head + "leaf repeat=1000000000;0", "the tree has more than 2000000 vertices, file: Data/t.mgn"},
+        {Head + "repeat count=1000000000;0\nrepeat_end", "more than 1000000 commands were run, file: Data/t.mgn"},
+    };
+    for (const auto& [Script, Message] : Cases) {
+        EXPECT_FATAL(Grow(Script), Message) << Script;
+    }
+}
+
+// One process takes many damaged scripts: it ends at the first that is fatal, in order, or goes through.
+TEST_F(TreeScript, DamagedScriptsEndInOrder) {
+    const std::string Whole = std::string(HEAD) +
+                              "repeat count=2;0\nbranch sub=1;0 repeat=2;0\nleaf repeat=3;0 extx=1;0\n"
+                              "branch_repend\nbranch_end\nrepeat_end\n";
+    for (std::size_t Length = std::strlen(HEAD) + 17; Length < Whole.size(); Length += 9) {
+        EXPECT_EXIT((Grow(Whole.substr(0, Length)), FatalBox("done")), testing::ExitedWithCode(FATAL_EXIT_STATUS), "");
+    }
+    std::mt19937 Random(3);
+    for (int i = 0; i < 25; ++i) {
+        std::string Changed = Whole;
+        Changed[Random() % Changed.size()] = static_cast<char>(Random() % 128);
+        EXPECT_EXIT((Grow(Changed), FatalBox("done")), testing::ExitedWithCode(FATAL_EXIT_STATUS), "") << Changed;
+    }
+}
+
+} // namespace

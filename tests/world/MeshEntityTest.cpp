@@ -1,0 +1,210 @@
+// Scenery in a level: its properties, what the editor's changes do, the frame list, and a wood with its rider as a
+// picture that was looked at.
+#include "world/MeshEntity.h"
+#include "anim/AnimInstance.h"
+#include "game/SlopeRush.h"
+#include "platform/Platform.h"
+#include "support/GoldenPicture.h"
+#include "terrain/Terrain.h"
+#include "world/LevelFixture.h"
+
+#include <GL/glew.h>
+#include <cstdlib>
+#include <map>
+
+namespace {
+
+UINT64 GAllocations = 0;
+
+} // namespace
+
+// Counts what a picture allocates.
+void* operator new(std::size_t Size) {
+    ++GAllocations;
+    if (void* Memory = std::malloc(Size ? Size : 1)) {
+        return Memory;
+    }
+    std::abort();
+}
+void* operator new[](std::size_t Size) {
+    return operator new(Size);
+}
+void operator delete(void* Memory) noexcept {
+    std::free(Memory);
+}
+void operator delete(void* Memory, std::size_t) noexcept {
+    std::free(Memory);
+}
+void operator delete[](void* Memory) noexcept {
+    std::free(Memory);
+}
+void operator delete[](void* Memory, std::size_t) noexcept {
+    std::free(Memory);
+}
+
+namespace {
+
+class Scenery : public LevelFixture {
+protected:
+    static CMeshEntity& Entity(UINT32 i) { return *static_cast<CMeshEntity*>(GLevel->Entities[i]); }
+
+    static void LookFrom(const Vec3& Eye, const Vec3& Target) {
+        GCamera = CameraState();
+        GCamera.Eye = GLodCameraPos = Eye;
+        GCamera.Target = Target;
+        GCamera.Far = 1000;
+    }
+
+    static void TearDownTestSuite() { EXPECT_EQ(GMeshByName.root, nullptr); }
+};
+
+TEST_F(Scenery, StandsWhereItsPropertiesSayAndComesBackFromASavedLevel) {
+    LoadText("WLMF\n" + FlatGround(10) +
+             "geomesh Data/Models/none.mdd x=1\n"
+             "entity StaticMesh MeshName=Data/Models/Hut.mdd Position=1;2;3 Scale=2;1;1 Rotation=0;0;0.6;0.8 x=50\n"
+             "entity StaticMesh x=7 y=8 z=9\n");
+    SMeshClient& Hut = Entity(0).Client;
+    EXPECT_TRUE((Hut.Pos == Vec3{1, 2, 3} && Hut.PrevScale == Vec3{2, 1, 1} && Hut.PrevRot.z == 0.6f));
+    EXPECT_EQ(Entity(1).Client.Mesh, nullptr);
+    EXPECT_TRUE((Entity(1).Client.Pos == Vec3{7, 8, 9}));
+    float Distance = 0;
+    EXPECT_FALSE(Entity(1).Client.TraceRay({{7, 8, 99}, {0, 0, -1}}, &Distance, 0));
+    GLevel->TraceClients({{1, 2, 150}, {0, 0, -1}});
+    ASSERT_NE(GLevel->PickHits.Hits.root, nullptr);
+    EXPECT_EQ(GLevel->PickHits.Hits.root->value, &Hut);
+    GProperties Saved;
+    Entity(0).SaveProperties(Saved);
+    EXPECT_EQ(Saved["Rotation"], GString("0.000000;0.000000;0.600000;0.800000"));
+    EXPECT_EQ(Saved["MeshName"], GString("Data/Models/Hut.mdd"));
+    CMeshEntity Again(Saved);
+    EXPECT_TRUE(Again.Client.Pos == Hut.Pos && Again.Client.Scale == Hut.Scale && Again.Client.Rot == Hut.Rot);
+    EXPECT_EQ(std::memcmp(&Again.Client.WorldBox, &Hut.WorldBox, sizeof(BBox)), 0);
+}
+
+TEST_F(Scenery, MovesOnlyWhileTheEditorRuns) {
+    LoadText("WLMF\n" + FlatGround(10) + "entity StaticMesh MeshName=Data/Models/Boulder.mdd Position=0;0;20\n");
+    SMeshClient& Rock = Entity(0).Client;
+    Rock.Pos = {100, 50, 20};
+    Rock.Scale = {3, 3, 3};
+    GLevel->Update(STEP);
+    EXPECT_LT(Rock.BBox.Max.x, 20);
+    GLevel->EditMode = 1;
+    GLevel->Update(STEP);
+    GLevel->Update(STEP);
+    EXPECT_TRUE(Rock.PrevPos == Rock.Pos && Rock.PrevScale == Rock.Scale && Entity(0).Position == Rock.Pos);
+    BBox Exact;
+    Mat4 World;
+    Rock.GetMatrix(World, false);
+    ASSERT_EQ(Rock.Mesh->GetBounds(Exact, World), 1u);
+    EXPECT_EQ(std::memcmp(&Exact, &Rock.BBox, sizeof(BBox)), 0);
+    GLevel->EditMode = 0;
+    GLevel->TraceClients({{100, 50, 150}, {0, 0, -1}});
+    EXPECT_NE(GLevel->PickHits.Hits.root, nullptr);
+}
+
+TEST_F(Scenery, LevelsOfDetailAndDrawingEndAtTheirDistances) {
+    LoadText("WLMF\n" + FlatGround(10) + "entity StaticMesh MeshName=Data/Models/Hut.mdd Position=0;0;0\n");
+    SMeshClient& Hut = Entity(0).Client;
+    const SMeshPart& Part = Hut.Mesh->Parts[0];
+    UINT32 Last = ~0u;
+    for (const auto& [Distance, Lod] :
+         {std::pair{0.0f, 0}, {99.0f, 0}, {100.5f, 1}, {201.0f, 2}, {400.0f, 3}, {499.0f, 3}}) {
+        GLodCameraPos = {Hut.WorldBox.Max.x + Distance, 0, 5};
+        SRenderData Rd;
+        ASSERT_TRUE(Hut.GetRenderData(0, 0, &Rd));
+        EXPECT_EQ(Rd.IndexBuffer, Hut.Mesh->IB[Lod]);
+        EXPECT_EQ(Rd.IndexCount, 3 * Part.TriangleCount[Lod]);
+        EXPECT_LE(Rd.IndexCount, Last);
+        Last = Rd.IndexCount;
+    }
+    GLodCameraPos = {Hut.WorldBox.Max.x + 500.5f, 0, 5};
+    SRenderData Rd;
+    EXPECT_FALSE(Hut.GetRenderData(0, 0, &Rd));
+    EXPECT_EQ(Hut.GetPartCount(1), 0u);
+}
+
+TEST_F(Scenery, TheFrameListIsSortedByStateAndCostsNoMemoryOnceWarm) {
+    std::string Lines = "WLMF\n" + FlatGround(10);
+    for (int i = 0; i < 200; ++i) {
+        const std::string Place = std::to_string(i % 20 * 15 - 150) + ";" + std::to_string(i / 20 * 15 - 80) + ";10";
+        Lines += std::string("entity StaticMesh MeshName=Data/Models/") + (i % 3 ? "Boulder" : "Fence") +
+                 ".mdd Position=" + Place + "\n";
+    }
+    LoadText(Lines);
+    LookFrom({0, 190, 60}, {0, 0, 10});
+    GLevel->BuildDrawList(false, 0.5f, false, false);
+    ASSERT_GT(GLevel->SceneEntries.count, 60u);
+    std::map<UINT64, int> Runs;
+    for (UINT32 i = 0; i < GLevel->SceneEntries.count; ++i) {
+        const SDrawEntry& Entry = GLevel->SceneEntries[i];
+        EXPECT_EQ(Entry.Record, &GLevel->SceneRecords[Entry.RecordIndex]);
+        EXPECT_EQ(Entry.Client->BlendFactor, 0.5f);
+        if (i > 0) {
+            const SRenderData& Before = *GLevel->SceneEntries[i - 1].Record;
+            EXPECT_LE(Before.SortKey, Entry.Record->SortKey);
+            Runs[Entry.Record->StateId] += Before.StateId != Entry.Record->StateId;
+            if (Before.StateId == Entry.Record->StateId) {
+                EXPECT_LE(Before.Depth, Entry.Record->Depth);
+            }
+        }
+    }
+    EXPECT_EQ(Runs.size(), 2u);
+    const UINT64 Before = GAllocations;
+    GLevel->BuildDrawList(false, 0.5f, false, false);
+    EXPECT_EQ(GAllocations, Before);
+}
+
+// The rider among three hundred pines, in the middle of a stroke over a turn.
+TEST_F(Scenery, AWoodWithItsRiderLooksAsItWasKept) {
+    testing::internal::CaptureStdout();
+    PlatSeedRand(1);
+    GrowTrees();
+    testing::internal::GetCapturedStdout();
+    LoadLevel("Data/Levels/Level1.wlm");
+    const Vec3 Place = GLevel->Terrain->GetPoint(128, 215);
+    std::vector<std::unique_ptr<SMeshClient>> Trees;
+    for (int i = 0; i < 300; ++i) {
+        const UINT32 Column = 108 + static_cast<UINT32>(PlatRand()) % 40;
+        const UINT32 Row = 180 + static_cast<UINT32>(PlatRand()) % 34;
+        Trees.push_back(std::make_unique<SMeshClient>());
+        Trees.back()->Mesh = MeshLoad(TREE_MESH);
+        Trees.back()->SetPosition(GLevel->Terrain->GetPoint(Column, Row) - Vec3{0, 0, 30});
+        Trees.back()->SetScale({2, 2, 2});
+        Trees.back()->UpdateBounds(true, true);
+        GLevel->AddSpatialClient(Trees.back().get());
+    }
+    {
+        SMeshClient Rider;
+        SAnimInstance Anim;
+        Rider.Mesh = MeshLoad("Data/Models/Rider.mdd");
+        for (const SBone& Bone : Rider.Mesh->Bones) {
+            Anim.BoneNames.Add(Bone.Name);
+            Anim.Rotations.Add(Quat());
+        }
+        Anim.Add("Data/Models/TurnLeft.anf", "left", 1);
+        Anim.Add("Data/Models/Cut1.anf", "cut1", 2);
+        Anim.Play(0, "left", 2);
+        Anim.Advance(0.4f);
+        Anim.Play(1, "cut1", 2);
+        Anim.Advance(0.14f);
+        Rider.Anim = &Anim;
+        Rider.SetPosition(Place);
+        Rider.UpdateBounds(true, true);
+        GLevel->AddSpatialClient(&Rider);
+        LookFrom(Place + Vec3{6, 16, 16}, Place + Vec3{0, 0, 7});
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        GLevel->Render(1);
+        EXPECT_TRUE(MatchesGolden(Shrunk(ReadWindow()), "wood", 1.0));
+        GLevel->RemoveSpatialClient(&Rider);
+        MeshRelease(Rider.Mesh);
+    }
+    for (const auto& Tree : Trees) {
+        GLevel->RemoveSpatialClient(Tree.get());
+        MeshRelease(Tree->Mesh);
+    }
+    EXPECT_EQ(GLevel->SpatialClients.count, GLevel->Entities.count - 1) << "all but the camera are scenery";
+    DropLevel();
+    ReleaseTrees();
+}
+
+} // namespace
