@@ -7,6 +7,18 @@
 #include <cfloat>
 #include <vector>
 
+// Each part's run of the list, whose entries count over all vertices.
+inline void PlainRanges(const std::vector<UINT32>& W, UINT32 Level, GArray<SMeshPart>& Parts) {
+    UINT32 At = 0;
+    for (SMeshPart& Part : Parts) {
+        Part.IBOffset[Level] = At;
+        while (At < W.size() && W[At] >= Part.VertexStart && W[At] < Part.VertexStart + Part.VertexCount) {
+            ++At;
+        }
+        Part.TriangleCount[Level] = (At - Part.IBOffset[Level]) / 3;
+    }
+}
+
 // One level of a mesh whose parts lie in order, without gaps, and name all indices. Ranges are written into Parts.
 inline std::vector<UINT32> PlainLod(const SMesh& Mesh, UINT32 Level, float Share, GArray<SMeshPart>& Parts) {
     std::vector<UINT32> W(Mesh.Indices.begin(), Mesh.Indices.end());
@@ -18,16 +30,6 @@ inline std::vector<UINT32> PlainLod(const SMesh& Mesh, UINT32 Level, float Share
         Part.IBOffset[Level] = Part.IBOffset[0];
         Part.TriangleCount[Level] = Part.TriangleCount[0];
     }
-    const auto Ranges = [&] {
-        UINT32 At = 0;
-        for (SMeshPart& Part : Parts) {
-            Part.IBOffset[Level] = At;
-            while (At < W.size() && W[At] >= Part.VertexStart && W[At] < Part.VertexStart + Part.VertexCount) {
-                ++At;
-            }
-            Part.TriangleCount[Level] = (At - Part.IBOffset[Level]) / 3;
-        }
-    };
     const auto Next = [](std::size_t e) { return e % 3 == 2 ? e - 2 : e + 1; };
     while (W.size() > Target) {
         float Best = FLT_MAX;
@@ -64,9 +66,9 @@ inline std::vector<UINT32> PlainLod(const SMesh& Mesh, UINT32 Level, float Share
             }
             ++i;
         }
-        Ranges();
+        PlainRanges(W, Level, Parts);
     }
-    Ranges();
+    PlainRanges(W, Level, Parts);
     for (const SMeshPart& Part : Parts) {
         for (UINT32 i = 0; i < 3 * Part.TriangleCount[Level]; ++i) {
             W[Part.IBOffset[Level] + i] -= Part.VertexStart;
