@@ -6,41 +6,11 @@
 #include "platform/Platform.h"
 #include "support/GoldenPicture.h"
 #include "terrain/Terrain.h"
+#include "world/AllocationCount.h"
 #include "world/LevelFixture.h"
 
 #include <GL/glew.h>
-#include <cstdlib>
 #include <map>
-
-namespace {
-
-UINT64 GAllocations = 0;
-
-} // namespace
-
-// Counts what a picture allocates.
-void* operator new(std::size_t Size) {
-    ++GAllocations;
-    if (void* Memory = std::malloc(Size ? Size : 1)) {
-        return Memory;
-    }
-    std::abort();
-}
-void* operator new[](std::size_t Size) {
-    return operator new(Size);
-}
-void operator delete(void* Memory) noexcept {
-    std::free(Memory);
-}
-void operator delete(void* Memory, std::size_t) noexcept {
-    std::free(Memory);
-}
-void operator delete[](void* Memory) noexcept {
-    std::free(Memory);
-}
-void operator delete[](void* Memory, std::size_t) noexcept {
-    std::free(Memory);
-}
 
 namespace {
 
