@@ -5,6 +5,9 @@
 
 UINT64 GAllocations = 0;
 
+// The address sanitizer has operators of its own, which match its malloc in the driver too; nothing is counted there.
+#ifndef __SANITIZE_ADDRESS__
+
 void* operator new(std::size_t Size) {
     ++GAllocations;
     if (void* Memory = std::malloc(Size ? Size : 1)) {
@@ -27,3 +30,5 @@ void operator delete[](void* Memory) noexcept {
 void operator delete[](void* Memory, std::size_t) noexcept {
     std::free(Memory);
 }
+
+#endif
