@@ -200,10 +200,12 @@ TEST(DamagedTreeScript, EndsInOrder) {
     for (int i = 0; i < 300; ++i) {
         std::string Changed = Whole;
         for (int k = 0; k <= i % 3; ++k) {
-            Changed[Random() % Changed.size()] = static_cast<char>(Random());
+            // Not in the first line, which may come out as one that loads a picture: that takes a context.
+            const std::size_t At = Whole.find('\n') + 1;
+            Changed[At + Random() % (Changed.size() - At)] = static_cast<char>(Random() % 127 + 1);
         }
         const int End = EndOf(Changed);
-        EXPECT_PRED1(IsOrdered, End) << Changed;
+        EXPECT_PRED1(IsOrdered, End) << i;
         Grown += End == 0;
     }
     EXPECT_GT(Grown, 30);
