@@ -11,14 +11,11 @@ int dlclose(void*) {
 
 const char* __lsan_default_suppressions() {
     // Lists of visuals and names of extensions that libGL asks for when a window is opened, and never gives back.
-    // What the driver takes itself hangs on its threads, which the checker does not always get to see.
-    return "leak:libX11.so\nleak:swrast_dri.so\nleak:libLLVM\n";
+    return "leak:libX11.so\n";
 }
 
 const char* __lsan_default_options() {
-    // Off for now: at the end of a process with a context the checker falls over the driver's threads ("Tracer caught
-    // signal 11") in about one case of ten, and reports what they hold.
-    return "detect_leaks=0:print_suppressions=0";
+    return "print_suppressions=0";
 }
 
 } // extern "C"
