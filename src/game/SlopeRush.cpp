@@ -1,28 +1,74 @@
 #include "game/SlopeRush.h"
 
-#include "graphics/Mesh.h"
+#include "game/GameState.h"
+#include "game/MenuCam.h"
+#include "game/Rider.h"
+#include "game/Screens.h"
+#include "game/Tree.h"
+#include "game/Wood.h"
 #include "graphics/ShaderLib.h"
-#include "meshgen/TreeMeshGen.h"
+#include "input/Input.h"
 #include "scene/DrawHelpers.h"
 #include "world/GameLevel.h"
 
 #include <GL/glew.h>
 #include <cstdio>
+#include <cstring>
 
 namespace {
 
-const char* const FIRST_LEVEL = "Data/Levels/Level1.wlm";
-const char* const TREE_SCRIPT = "Data/Generators/PineTree0.mgn";
+// Here and not beside the classes, since this file is always linked.
+TEntityRegistration<CRider> RiderRegistration("Rider");
+TEntityRegistration<CTree> TreeRegistration("Tree");
+TEntityRegistration<CMenuCam> MenuCamRegistration("MenuCam");
 
-void DeleteLevel() {
-    delete GLevel;
-    GLevel = nullptr;
+// A level ends where the rider passes this part of its half length.
+constexpr float END_OF_SLOPE = -0.8f;
+
+bool WantsSave() {
+    return (GKeys[SDLK_LCTRL] || GLastKeys[SDLK_LCTRL]) && GKeys[SDLK_s] && !GLastKeys[SDLK_s];
 }
 
-void LoadLevel(const char* Path) {
-    DeleteLevel();
-    GLevel = new CLevel;
-    GLevel->LoadSourceLevel(Path);
+const CRider* FindRider() {
+    for (const CEntity* Entity : GLevel->Entities) {
+        if (std::strcmp(Entity->Class->Name, "Rider") == 0) {
+            return static_cast<const CRider*>(Entity);
+        }
+    }
+    return nullptr;
+}
+
+// The clock runs on during a pause.
+void TestForEnd(float Delta) {
+    const CRider* Rider = FindRider();
+    if (!Rider) {
+        return;
+    }
+    if (Rider->Client.Pos.y < GLevel->Params.SizeY * END_OF_SLOPE) {
+        GGameState = GAME_END;
+    } else if (GGameState != GAME_END) {
+        GTimeLeft -= Delta;
+        if (GTimeLeft < 0) {
+            GGameState = GAME_END;
+        }
+    }
+}
+
+void RunScreen(float Delta) {
+    switch (GGameState) {
+    case GAME_LOGO:
+        LogoStep(Delta);
+        break;
+    case GAME_MENU:
+        MenuStep();
+        break;
+    case GAME_PLAYING:
+        PlayStep();
+        break;
+    case GAME_END:
+        EndStep();
+        break;
+    }
 }
 
 // Lays the level's two-dimensional layer over what stands in the window.
@@ -39,18 +85,6 @@ void DrawOverlay() {
 
 } // namespace
 
-void GrowTrees() {
-    STreeMeshGen Generator;
-    Generator.Generate(TREE_SCRIPT);
-    MeshAdd(TREE_MESH, Generator.Mesh);
-}
-
-void ReleaseTrees() {
-    SMesh* Tree = MeshLoad(TREE_MESH);
-    MeshRelease(Tree);
-    MeshRelease(Tree);
-}
-
 UINT32 CreateGame() {
     std::snprintf(GameName, GAME_NAME_SIZE, "SlopeRush");
     GGame = new SlopeRush;
@@ -58,25 +92,45 @@ UINT32 CreateGame() {
 }
 
 void SlopeRush::Init() {
+    ResetGameState();
+    LoadTitlePictures();
     GrowTrees();
-    LoadLevel(FIRST_LEVEL);
+    LoadLevel(MENU_LEVEL, 0);
 }
 
 void SlopeRush::Free() {
     DeleteLevel();
     ReleaseTrees();
+    ReleaseTitlePictures();
 }
 
 void SlopeRush::Update(float, float Delta) {
-    GLevel->Update(Delta);
+    if (!GPaused) {
+        GLevel->Update(Delta);
+    }
+    if (GLevel->EditMode && WantsSave()) {
+        GLevel->SaveTemporaryLevel();
+    }
+    TestForEnd(Delta);
     GLevel->OverlayRT.Bind();
+    // The editor has drawn its rows in the level's update.
     glClearColor(0, 0, 0, 0);
-    glClear(GL_COLOR_BUFFER_BIT);
-    GLevel->OverlayRT.Unbind();
+    if (!GLevel->EditMode) {
+        glClear(GL_COLOR_BUFFER_BIT);
+    }
+    RunScreen(Delta);
+    if (!GLastFBOs.Empty() && GLastFBOs.Top() == &GLevel->OverlayRT) {
+        GLevel->OverlayRT.Unbind();
+    }
 }
 
 void SlopeRush::Render(float BlendDelta) {
+    const float Blend = GPaused ? 0 : BlendDelta;
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    GLevel->Render(BlendDelta);
+    M_CameraLerp(GCameraNow, GCameraPrev, Blend);
+    GLevel->Render(Blend);
+    if (GGameState == GAME_LOGO) {
+        DrawLogo(Blend);
+    }
     DrawOverlay();
 }

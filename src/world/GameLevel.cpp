@@ -158,6 +158,17 @@ void CLevel::RemoveSpatialClient(IRenderable* Client) {
     }
 }
 
+void CLevel::MoveSpatialClient(IRenderable* Client) {
+    BBox Bounds;
+    Client->GetBounds(&Bounds);
+    if (Bounds.Min == Client->BBox.Min && Bounds.Max == Client->BBox.Max) {
+        return;
+    }
+    Client->BBox = Bounds;
+    RemoveClient(Grid, Client);
+    AddClient(Grid, Client);
+}
+
 void CLevel::TraceClients(const Ray& PickRay) {
     PickHits.Hits.Clear();
     PickHits.StepAllowance = 0;

@@ -44,6 +44,9 @@ public:
     void AddSpatialClient(IRenderable* Client);
     void RemoveSpatialClient(IRenderable* Client);
 
+    // Takes over the client's present bounds; costs nothing if they are those of the last time.
+    void MoveSpatialClient(IRenderable* Client);
+
     // Appends a new entity to both lists; the level owns it from then on.
     void AddEntity(CEntity* Entity);
 
@@ -73,6 +76,7 @@ public:
     void DrawSun() const;
     Quat GravityRotation() const;
     Vec3 SunDirection() const; // unit vector towards the sun
+    Vec3 UpDirection() const;  // unit vector against gravity
 
     INT32 EditMode = 0; // the editor runs while it is not zero
     SLevelParams Params;

@@ -61,9 +61,7 @@ void CMeshEntity::Update(float) {
     }
     if (TakeOverChange()) {
         Client.UpdateBounds(false, false);
-        Client.GetBounds(&Client.BBox);
-        RemoveClient(GLevel->Grid, &Client);
-        AddClient(GLevel->Grid, &Client);
+        GLevel->MoveSpatialClient(&Client);
     }
     Position = Client.Pos;
 }

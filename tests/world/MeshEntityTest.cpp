@@ -2,7 +2,7 @@
 // picture that was looked at.
 #include "world/MeshEntity.h"
 #include "anim/AnimInstance.h"
-#include "game/SlopeRush.h"
+#include "game/Wood.h"
 #include "platform/Platform.h"
 #include "support/GoldenPicture.h"
 #include "terrain/Terrain.h"

@@ -1,6 +1,6 @@
 #include "Stage.h"
 
-#include "game/SlopeRush.h"
+#include "game/Wood.h"
 #include "platform/Platform.h"
 #include "terrain/Terrain.h"
 #include "world/GameLevel.h"

@@ -11,7 +11,7 @@
 #include "foundation/Diagnostics.h"
 #include "foundation/Screen.h"
 #include "game/IGame.h"
-#include "game/SlopeRush.h"
+#include "game/Wood.h"
 #include "input/Input.h"
 #include "platform/Platform.h"
 #include "shell/Application.h"

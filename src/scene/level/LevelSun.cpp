@@ -30,6 +30,10 @@ Vec3 CLevel::SunDirection() const {
     return Direction;
 }
 
+Vec3 CLevel::UpDirection() const {
+    return M_Spherical({Params.Gravity_Angle, Params.Gravity_Pitch - PI, 1});
+}
+
 // The view looks at the present eye from the sun's side. Its up vector comes from the angles, so that it stays well
 // defined with the sun straight above.
 void CLevel::SetSunCamera() const {

@@ -1,0 +1,65 @@
+// Levels with a rider, driven by keys as the input pump would set them.
+#pragma once
+
+#include "game/GameState.h"
+#include "game/Rider.h"
+#include "game/Tree.h"
+#include "game/Wood.h"
+#include "world/LevelFixture.h"
+
+#include <cstring>
+#include <initializer_list>
+
+class GameFixture : public LevelFixture {
+protected:
+    void SetUp() override {
+        LevelFixture::SetUp();
+        if (Ready) {
+            GrowQuietly();
+            ResetGameState();
+            GGameState = GAME_PLAYING;
+        }
+    }
+    void TearDown() override {
+        DropLevel();
+        if (Ready) {
+            for (SKeyBind& Bind : GGameBinds) {
+                Bind.State = Bind.Down = Bind.WasDown = 0;
+            }
+            ReleaseTrees();
+        }
+        LevelFixture::TearDown();
+    }
+
+    // The tree's script tells what it grows.
+    static void GrowQuietly() {
+        testing::internal::CaptureStdout();
+        GrowTrees();
+        testing::internal::GetCapturedStdout();
+    }
+
+    // A rider high above the ground, weightless unless Scene says otherwise.
+    static CRider& FlyingRider(const std::string& More = "", const std::string& Scene = "gravr=0") {
+        LoadText("WLMF\n" + FlatGround(0) + "scene " + Scene + "\nentity Rider Position=10;20;500\n" + More);
+        return *static_cast<CRider*>(GLevel->Entities[0]);
+    }
+
+    // One step of the input and the level with exactly these keys down.
+    static void Step(std::initializer_list<UINT32> Keys = {}) {
+        InputBeginStep();
+        TickBinds();
+        for (const UINT32 Key : {SDLK_LEFT, SDLK_RIGHT, SDLK_UP, SDLK_DOWN, SDLK_SPACE}) {
+            const bool Down = std::find(Keys.begin(), Keys.end(), Key) != Keys.end();
+            if (Down != (GKeys[Key] != 0)) {
+                GKeys[Key] = Down;
+                SetKeyState(Key, Down);
+            }
+        }
+        GLevel->Update(STEP);
+    }
+
+    static Vec3 VelocityOf(const CRider& Rider) {
+        const btVector3& v = Rider.Body->getLinearVelocity();
+        return {v.x(), v.y(), v.z()};
+    }
+};
