@@ -7,6 +7,7 @@
 #include "input/Input.h"
 #include "physics/Physics.h"
 #include "platform/Platform.h"
+#include "sound/Sound.h"
 
 #include <GL/glew.h>
 #include <IL/il.h>
@@ -76,17 +77,27 @@ void SetDrawingState() {
     glClearDepth(1.0);
 }
 
+// Who does not want to go on without sound leaves as through the menu: everything comes up and is taken down in order,
+// without a turn of the loop.
+void StartSound() {
+    if (!SoundInit() && GSoundRefused) {
+        GQuit = 1;
+    }
+}
+
 void StartServices() {
     OpenWindow();
     ilInit();
     iluInit();
     ShaderLibInit();
+    StartSound();
     PhyInit();
     SetDrawingState();
 }
 
 void StopServices() {
     PhyFree();
+    SoundShutdown();
     ShaderLibFree();
     MemPoolDump(GMemPool);
     MemPoolFree(GMemPool);
@@ -103,6 +114,7 @@ void RunStep(double Time) {
         GLastMousePos = {WINDOW_CENTRE_X, WINDOW_CENTRE_Y};
     }
     GGame->Update(static_cast<float>(Time), GAME_STEP);
+    SoundUpdate(GAME_STEP);
 }
 
 struct SLoop {
