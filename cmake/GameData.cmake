@@ -19,6 +19,8 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${assetgen_folder
 file(STRINGS ${assetgen_folder}/Assets.def assets REGEX "^ASSET\\(")
 set(assetgen_shared Noise.h Noise.cpp Picture.h Picture.cpp Shape.h Shape.cpp RiderBones.h BinaryFile.h)
 list(TRANSFORM assetgen_shared PREPEND ${assetgen_folder}/)
+file(GLOB assetgen_sound CONFIGURE_DEPENDS ${assetgen_folder}/sound/*)
+list(APPEND assetgen_sound ${assetgen_folder}/Noise.h ${assetgen_folder}/Noise.cpp)
 foreach(asset IN LISTS assets)
   string(REGEX MATCH "^ASSET\\(([A-Za-z]+), *[A-Za-z0-9]+, *\"([^\"]+)\"\\)" matched "${asset}")
   if(NOT matched)
@@ -26,9 +28,14 @@ foreach(asset IN LISTS assets)
   endif()
   set(kind ${CMAKE_MATCH_1})
   set(file ${CMAKE_MATCH_2})
+  if(file MATCHES "\\.(wav|ogg)$")
+    set(shared ${assetgen_sound})
+  else()
+    set(shared ${assetgen_shared})
+  endif()
   add_custom_command(OUTPUT ${DATA_FOLDER}/${file}
     COMMAND assetgen ${DATA_FOLDER} ${file}
-    DEPENDS ${assetgen_folder}/${kind}.cpp ${assetgen_shared}
+    DEPENDS ${assetgen_folder}/${kind}.cpp ${shared}
     COMMENT "Making ${file}" VERBATIM)
   list(APPEND data_files ${DATA_FOLDER}/${file})
 endforeach()
