@@ -5,3 +5,7 @@ pkg_check_modules(GLEW REQUIRED IMPORTED_TARGET glew glu)
 pkg_check_modules(DEVIL REQUIRED IMPORTED_TARGET IL ILU)
 pkg_check_modules(BULLET REQUIRED IMPORTED_TARGET bullet)
 pkg_check_modules(ASSIMP REQUIRED IMPORTED_TARGET assimp)
+pkg_check_modules(FREETYPE REQUIRED IMPORTED_TARGET freetype2)
+# All lettering is drawn from it while the data is made; the game itself does not need it.
+find_file(TYPEFACE DejaVuSans-Bold.ttf REQUIRED PATHS /usr/share/fonts
+  PATH_SUFFIXES truetype/dejavu dejavu dejavu-sans-fonts TTF)
