@@ -8,3 +8,7 @@ pkg_check_modules(ASSIMP REQUIRED IMPORTED_TARGET assimp)
 pkg_check_modules(OPENAL REQUIRED IMPORTED_TARGET openal freealut)
 pkg_check_modules(VORBISFILE REQUIRED IMPORTED_TARGET vorbisfile)
 pkg_check_modules(VORBISENC REQUIRED IMPORTED_TARGET vorbisenc vorbis ogg)
+pkg_check_modules(FREETYPE REQUIRED IMPORTED_TARGET freetype2)
+# All lettering is drawn from it while the data is made; the game itself does not need it.
+find_file(TYPEFACE DejaVuSans-Bold.ttf REQUIRED PATHS /usr/share/fonts
+  PATH_SUFFIXES truetype/dejavu dejavu dejavu-sans-fonts TTF)

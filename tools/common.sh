@@ -2,7 +2,8 @@
 
 # What a build needs: compilers, tools and the libraries that the program links.
 BuildPackages=(g++ cmake ninja-build ccache pkg-config libsdl1.2-dev libglew-dev libglu1-mesa-dev libdevil-dev
-               libbullet-dev libassimp-dev libopenal-dev libalut-dev libvorbis-dev libogg-dev)
+               libbullet-dev libassimp-dev libopenal-dev libalut-dev libvorbis-dev libogg-dev libfreetype-dev
+               fonts-dejavu-core)
 # What runs the program on a machine without a display: virtual screen, window manager, software GL, keys, pictures.
 DisplayPackages=(xvfb openbox xdotool imagemagick libgl1-mesa-dri)
 

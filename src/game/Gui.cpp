@@ -2,7 +2,6 @@
 
 #include "input/Input.h"
 #include "scene/GLFont.h"
-#include "scene/Screen2D.h"
 
 #include <GL/glew.h>
 
@@ -33,7 +32,7 @@ bool IsMouseIn(const SScreenRect& Rect) {
 CGuiScope::CGuiScope(float FontScale) : SavedScale(GFont ? GFont->Scale : 1) {
     glEnable(GL_BLEND);
     glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
-    UseScreenProgram();
+    UseGuiProgram();
     if (GFont) {
         GFont->Scale *= FontScale;
     }

@@ -9,7 +9,6 @@
 #include "input/Input.h"
 #include "scene/DrawHelpers.h"
 #include "scene/GLFont.h"
-#include "scene/Screen2D.h"
 #include "world/GameLevel.h"
 
 #include <GL/glew.h>
@@ -80,7 +79,7 @@ void ShowLoading() {
     constexpr UINT32 CENTERED = FONT_CENTERX | FONT_CENTERY;
     GLevel->Render(0);
     glEnable(GL_BLEND);
-    UseScreenProgram();
+    UseGuiProgram();
     GuiText(Text, BLACK, CENTERED, {SHADOW_OFFSET, SHADOW_OFFSET, WINDOW_WIDTH, WINDOW_HEIGHT}, LOADING_SIZE);
     GuiText(Text, LOADING_COLOR, CENTERED, {0, 0, WINDOW_WIDTH, WINDOW_HEIGHT}, LOADING_SIZE);
     glDisable(GL_BLEND);

@@ -8,6 +8,7 @@
 #include "physics/Physics.h"
 #include "platform/Platform.h"
 #include "sound/Sound.h"
+#include "scene/GLFont.h"
 
 #include <GL/glew.h>
 #include <IL/il.h>
@@ -93,9 +94,12 @@ void StartServices() {
     StartSound();
     PhyInit();
     SetDrawingState();
+    GFont = new GLFont(1.0f);
 }
 
 void StopServices() {
+    delete GFont;
+    GFont = nullptr;
     PhyFree();
     SoundShutdown();
     ShaderLibFree();
@@ -117,24 +121,62 @@ void RunStep(double Time) {
     SoundUpdate(GAME_STEP);
 }
 
+// What the loop knows of itself, over the picture's upper left corner.
+void DrawStatus(double Now, double Delta, double BlendDelta, UINT32 FPS) {
+    constexpr UINT32 LONGEST = 512; // characters
+    constexpr UINT32 WHITE = 0xFFFFFFFFu;
+    constexpr float SIZE = 14.0f;
+    UseGuiProgram();
+    GString Text;
+    Text.Format(LONGEST, "Time: %f\nDelta: %f\nBlendDelta: %f\nFPS: %d", static_cast<float>(Now),
+                static_cast<float>(Delta), static_cast<float>(BlendDelta), FPS);
+    // The game leaves blending off behind its last draw.
+    glEnable(GL_BLEND);
+    GFont->Draw(Text.CStr(), WHITE, 0, 0, WINDOW_WIDTH, 0, WINDOW_HEIGHT, SIZE);
+    glDisable(GL_BLEND);
+}
+
+// Counts turns; the last finished second is what one reads.
+struct SFrameCounter {
+    explicit SFrameCounter(double Now) : Mark(Now) {}
+
+    void Count(double Now) {
+        Turns += 1;
+        if (Now - Mark > 1.0) {
+            FPS = Turns;
+            Turns = 0;
+            Mark += 1.0;
+        }
+    }
+
+    double Mark; // start of the second being counted
+    UINT32 Turns = 0;
+    UINT32 FPS = 0;
+};
+
 struct SLoop {
     double SimTime = GetTime(); // the clock at the last turn; within a turn the time of the step
     double Accumulator = 0.0;   // seconds not yet simulated
+    SFrameCounter Frames = SFrameCounter(SimTime);
 
     void Turn();
 };
 
 void SLoop::Turn() {
     const double Now = GetTime();
-    Accumulator += std::min(Now - SimTime, LONGEST_TURN);
+    const double Delta = std::min(Now - SimTime, LONGEST_TURN);
+    Accumulator += Delta;
     while (Accumulator > STEP) {
         RunStep(SimTime);
         Accumulator -= STEP;
         SimTime += STEP;
     }
-    GGame->Render(static_cast<float>(Accumulator / STEP));
+    const double BlendDelta = Accumulator / STEP;
+    GGame->Render(static_cast<float>(BlendDelta));
+    Frames.Count(Now);
     // What the steps added is dropped: the next turn starts from the clock.
     SimTime = Now;
+    DrawStatus(Now, Delta, BlendDelta, Frames.FPS);
     SDL_GL_SwapBuffers();
 }
 

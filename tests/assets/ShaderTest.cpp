@@ -89,6 +89,7 @@ protected:
 TEST_F(Shaders, EveryRequestLinks) {
     const char* const Requests[][4] = {{"GUI", "GUI"},
                                        {"Sprite", "Sprite"},
+                                       {"ParticleSprite", "ParticleSprite"},
                                        {"FSQuad", "FSQuad"},
                                        {"PostProcess", "FSQuad"},
                                        {"ColorOnly", "ColorOnly"},

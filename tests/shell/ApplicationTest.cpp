@@ -7,6 +7,7 @@
 #include "input/Input.h"
 #include "physics/Physics.h"
 #include "platform/Platform.h"
+#include "scene/GLFont.h"
 
 #include <SDL/SDL.h>
 #include <filesystem>
@@ -104,7 +105,7 @@ TEST_F(ApplicationTest, ARunEndsWithZeroPrintsItsStagesInOrderAndLeavesNothingBe
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "Starting the game...\nSDL successfully initialized\nInit\nFree\nDumping memory leaks...\n"
               "It ends here...\nDeleted\n");
-    EXPECT_FALSE(GGame || GMemPool || GShaderLib || GPhyWorld || SDL_WasInit(SDL_INIT_EVERYTHING));
+    EXPECT_FALSE(GGame || GFont || GMemPool || GShaderLib || GPhyWorld || SDL_WasInit(SDL_INIT_EVERYTHING));
 }
 
 TEST_F(ApplicationTest, ASecondRunInTheSameProcessStartsFresh) {
@@ -170,6 +171,24 @@ TEST_F(ApplicationTest, StepsTimesAndBlendDeltaFollowTheClock) {
             }
         }
     }
+}
+
+TEST_F(ApplicationTest, TheStatusTextTellsTheTurnsTimesAndCountsTheTurnsOfTheLastSecond) {
+    const fs::path Folder = ProgramFolder / "ScriptedGameData";
+    fs::create_directory(Folder);
+    fs::create_directory_symlink(SLOPERUSH_DATA_DIR, Folder / "Data");
+    SetClock({1000, 1020, 2030, 3050, 3060});
+    std::vector<std::string> Texts;
+    Script.OnRender = [&] { Texts.push_back(GFont->Wrapped.CStr()); }; // that of the turn before
+    EXPECT_EQ(RunGame(), 0);
+    fs::remove_all(Folder);
+    // Steps of 1/60 s that are left of 0.02, 0.02 + 1/30 and again 1/30.
+    EXPECT_EQ(Texts, (std::vector<std::string>{
+                         "",
+                         "Time: 1.020000\nDelta: 0.020000\nBlendDelta: 0.200000\nFPS: 0",
+                         "Time: 2.030000\nDelta: 0.033333\nBlendDelta: 0.200000\nFPS: 2",
+                         "Time: 3.050000\nDelta: 0.033333\nBlendDelta: 0.200000\nFPS: 1",
+                     }));
 }
 
 TEST_F(ApplicationTest, ClosingTheWindowAndAltF4EndTheLoopAfterTheRunningTurn) {
