@@ -74,6 +74,11 @@ Vec3 FromBullet(const btVector3& v) {
     return {v.x(), v.y(), v.z()};
 }
 
+btVector3 LevelGravity() {
+    const SLevelParams& Params = GLevel->Params;
+    return ToBullet(M_Spherical({Params.Gravity_Angle, Params.Gravity_Pitch, Params.Gravity_Strength}) * PhyScale);
+}
+
 bool IsDown(EGameBind Bind) {
     return GGameBinds[Bind].State != KEY_IDLE;
 }
@@ -146,6 +151,8 @@ void CRider::MakeBody() {
     Body->setFriction(FRICTION);
     Body->setRestitution(RESTITUTION);
     PhySetMass(MASS, INERTIA_SCALE, Body);
+    // Entering the world gave the body the world's own gravity, which must not pull it in the first step.
+    Body->setGravity(LevelGravity());
     Body->setCollisionFlags(Body->getCollisionFlags() | btCollisionObject::CF_CUSTOM_MATERIAL_CALLBACK);
     GPhyCallbacks.Append(this);
 }
@@ -206,9 +213,7 @@ void CRider::Update(float Delta) {
 
 void CRider::Ride(float Delta) {
     TakeOverBody();
-    const SLevelParams& Params = GLevel->Params;
-    const Vec3 Gravity = M_Spherical({Params.Gravity_Angle, Params.Gravity_Pitch, Params.Gravity_Strength});
-    Body->setGravity(ToBullet(Gravity * PhyScale));
+    Body->setGravity(LevelGravity());
     const INT32 NewTurn = GGameState == GAME_END ? 0 : Steer(Delta);
     Swing(Delta);
     KeepUpright();

@@ -23,12 +23,18 @@ protected:
     void TearDown() override {
         DropLevel();
         if (Ready) {
-            for (SKeyBind& Bind : GGameBinds) {
-                Bind.State = Bind.Down = Bind.WasDown = 0;
-            }
+            ReleaseKeys();
             ReleaseTrees();
         }
         LevelFixture::TearDown();
+    }
+
+    // Also forgets that a key was down a step before.
+    static void ReleaseKeys() {
+        InputReset();
+        for (SKeyBind& Bind : GGameBinds) {
+            Bind.State = Bind.Down = Bind.WasDown = 0;
+        }
     }
 
     // The tree's script tells what it grows.
@@ -40,6 +46,7 @@ protected:
 
     // A rider high above the ground, weightless unless Scene says otherwise.
     static CRider& FlyingRider(const std::string& More = "", const std::string& Scene = "gravr=0") {
+        ReleaseKeys();
         LoadText("WLMF\n" + FlatGround(0) + "scene " + Scene + "\nentity Rider Position=10;20;500\n" + More);
         return *static_cast<CRider*>(GLevel->Entities[0]);
     }

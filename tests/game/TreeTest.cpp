@@ -61,7 +61,7 @@ TEST_F(Wood, ACutTreeCountsOnceLosesItsBodyAndFliesStraight) {
         EXPECT_EQ(Tree.Body, nullptr);
     }
     ExpectNear(Tree.Position, {100, -240, 201}, 0.1f);
-    ExpectNear(Tree.Client.PrevPos, Tree.Position, 0) << "nothing between the steps is shown";
+    EXPECT_EQ(Tree.Client.PrevPos, Tree.Position) << "nothing between the steps is shown";
     EXPECT_LT(Tree.Client.WorldBox.Max.y, -180);
     EXPECT_EQ(SeenAt(0, 21), 0u) << "the grid knows that it is gone";
 }
