@@ -53,10 +53,15 @@ protected:
 
     // One step of the input and the level with exactly these keys down.
     static void Step(std::initializer_list<UINT32> Keys = {}) {
+        StepWith([&](UINT32 Key) { return std::find(Keys.begin(), Keys.end(), Key) != Keys.end(); });
+    }
+
+    template <class IsDown>
+    static void StepWith(IsDown&& KeyIsDown) {
         InputBeginStep();
         TickBinds();
         for (const UINT32 Key : {SDLK_LEFT, SDLK_RIGHT, SDLK_UP, SDLK_DOWN, SDLK_SPACE}) {
-            const bool Down = std::find(Keys.begin(), Keys.end(), Key) != Keys.end();
+            const bool Down = KeyIsDown(Key);
             if (Down != (GKeys[Key] != 0)) {
                 GKeys[Key] = Down;
                 SetKeyState(Key, Down);
