@@ -1,0 +1,319 @@
+// The flow of the game as the shell drives it: which screen follows on which click, what each one writes, and that a
+// hundred levels leave nothing behind.
+#include "game/GameFixture.h"
+#include "game/Gui.h"
+#include "game/Screens.h"
+#include "game/SlopeRush.h"
+#include "scene/GLFont.h"
+#include "support/GoldenPicture.h"
+
+#include <malloc.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr Vec2 FIRST_BUTTON = {512, 360};
+constexpr Vec2 SECOND_BUTTON = {512, 468};
+constexpr Vec2 NO_BUTTON = {900, 360};
+constexpr Vec4 PLAIN = {0.9f, 0.9f, 0.9f, 1};
+
+struct SText {
+    std::string Text;
+    Vec4 Color;
+    UINT32 Flags;
+    float Left, Top, Right, Bottom;
+    float Size;
+};
+
+class Flow : public LevelFixture {
+protected:
+    void SetUp() override {
+        LevelFixture::SetUp();
+        if (!Ready) {
+            return;
+        }
+        GFont = new GLFont(1);
+        testing::internal::CaptureStdout();
+        CreateGame();
+        GGame->Init();
+        testing::internal::GetCapturedStdout();
+        GMousePos = NO_BUTTON;
+    }
+    void TearDown() override {
+        if (Ready) {
+            GGame->Free();
+            delete GGame;
+            GGame = nullptr;
+            GuiFree();
+            delete GFont;
+            GFont = nullptr;
+            GQuit = 0;
+        }
+        LevelFixture::TearDown();
+    }
+
+    static void Steps(int Count) {
+        for (int i = 0; i < Count; ++i) {
+            InputBeginStep();
+            GGame->Update(0, STEP);
+            ASSERT_TRUE(GLastFBOs.Empty());
+        }
+    }
+    static void Tap(UINT32 Key) {
+        InputBeginStep();
+        GKeys[Key] = 1;
+        GGame->Update(0, STEP);
+        InputBeginStep();
+        GKeys[Key] = 0;
+        GGame->Update(0, STEP);
+    }
+    static void Mouse(bool Down, const Vec2& At) {
+        InputBeginStep();
+        GMousePos = At;
+        GMouseLeft = Down;
+        GGame->Update(0, STEP);
+    }
+    static void Click(const Vec2& At) {
+        Mouse(true, At);
+        Mouse(false, At);
+        GMousePos = NO_BUTTON;
+    }
+    static void Play() {
+        Tap(SDLK_SPACE);
+        Click(FIRST_BUTTON);
+    }
+    static CRider& Rider() {
+        for (CEntity* Entity : GLevel->Entities) {
+            if (std::strcmp(Entity->Class->Name, "Rider") == 0) {
+                return static_cast<CRider&>(*Entity);
+            }
+        }
+        ADD_FAILURE() << "no rider";
+        std::abort();
+    }
+    static void PutRiderAt(float y) { PhySetPosition({0, y, 900}, Rider().Body); }
+
+    // Makes the level end on a screen with these values.
+    static void EndWith(UINT32 Level, float Time, UINT32 Trees) {
+        GLevelIndex = Level;
+        GTimeLeft = Time;
+        GTreesCut = Trees;
+        GGameState = GAME_END;
+        Steps(1);
+    }
+
+    static std::vector<UINT8> Overlay() {
+        return ReadTexture(GLevel->OverlayRT.ColorTex, GLevel->OverlayRT.Width, GLevel->OverlayRT.Height);
+    }
+    // The layer as it must look with these texts and nothing else.
+    static std::vector<UINT8> Drawn(const std::vector<SText>& Texts) {
+        GLevel->OverlayRT.Bind();
+        glClearColor(0, 0, 0, 0);
+        glClear(GL_COLOR_BUFFER_BIT);
+        {
+            const CGuiScope Scope(1);
+            for (const SText& t : Texts) {
+                GFont->Draw(t.Text.c_str(), M_PackColor(t.Color), t.Flags, t.Left, t.Right, t.Top, t.Bottom, t.Size);
+            }
+        }
+        GLevel->OverlayRT.Unbind();
+        return Overlay();
+    }
+    static SText Heading(const std::string& Text, const Vec4& Color) {
+        return {Text, Color, FONT_CENTERX, 341, 216, 682, 288, 30};
+    }
+    static SText Button(const std::string& Text, float Top, const Vec4& Color = PLAIN) {
+        return {Text, Color, FONT_CENTERX | FONT_CENTERY, 341, Top, 682, Top + 72, 42};
+    }
+};
+
+TEST_F(Flow, TheLogoGivesWayByItsTimeOrBySpace) {
+    EXPECT_EQ(GGameState, GAME_LOGO);
+    Steps(359);
+    EXPECT_EQ(GGameState, GAME_LOGO) << "six seconds, from -2 to 4";
+    Steps(3);
+    EXPECT_EQ(GGameState, GAME_MENU);
+    GGameState = GAME_LOGO;
+    Tap(SDLK_SPACE);
+    EXPECT_EQ(GGameState, GAME_MENU);
+}
+
+TEST_F(Flow, AClickCountsWhereTheButtonWentDownAndCameUp) {
+    Tap(SDLK_SPACE);
+    Mouse(true, NO_BUTTON);
+    Mouse(false, SECOND_BUTTON);
+    Mouse(true, SECOND_BUTTON);
+    Mouse(true, NO_BUTTON);
+    Mouse(false, NO_BUTTON);
+    EXPECT_EQ(GQuit, 0u);
+    Mouse(true, {341, 432});
+    Mouse(true, NO_BUTTON);
+    Mouse(false, {682, 504});
+    EXPECT_EQ(GQuit, 1u) << "borders count, and leaving it in between does not matter";
+    GTimeLeft = 3;
+    GTreesCut = 9;
+    Click(FIRST_BUTTON);
+    EXPECT_EQ(GGameState, GAME_PLAYING);
+    EXPECT_EQ(GLevelIndex, 0u);
+    EXPECT_EQ(GTreesCut, 0u);
+    EXPECT_NEAR(GTimeLeft, 100, 0.1f);
+    EXPECT_GT(GLevel->Entities.count, 3000u);
+}
+
+TEST_F(Flow, TheHudShowsCountAndClock) {
+    Play();
+    const auto Hud = [&](const std::string& Trees, const Vec4& TreeColor, const std::string& Time, const Vec4& TimeColor) {
+        const Vec4 Black = {0, 0, 0, 1};
+        return std::vector<SText>{{Trees, Black, 0, 51, 51, 500, 500, 24},
+                                  {Trees, TreeColor, 0, 50, 50, 500, 500, 24},
+                                  {Time, Black, 0, 51, 75, 500, 500, 24},
+                                  {Time, TimeColor, 0, 50, 74, 500, 500, 24}};
+    };
+    const Vec4 Red = {0.9f, 0.15f, 0.1f, 1};
+    GTreesCut = 19;
+    GTimeLeft = 10 + 1.5f * STEP;
+    Steps(1);
+    std::vector<UINT8> Shown = Overlay();
+    EXPECT_TRUE(Shown == Drawn(Hud("Trees cut: 19/20", Red, "Time left: 10", {0.9f, 0.85f, 0.8f, 1})));
+    GTreesCut = 20;
+    GTimeLeft = 8.6f;
+    Steps(1);
+    Shown = Overlay();
+    EXPECT_TRUE(Shown == Drawn(Hud("Trees cut: 20/20", {0.2f, 0.85f, 0.1f, 1}, "Time left: 9", Red)));
+    EXPECT_FALSE(Shown == Drawn(Hud("Trees cut: 21/20", {0.2f, 0.85f, 0.1f, 1}, "Time left: 9", Red)));
+}
+
+TEST_F(Flow, APauseHoldsTheLevelButNotTheClock) {
+    Play();
+    Tap(SDLK_ESCAPE);
+    ASSERT_EQ(GPaused, 1u);
+    const Vec3 Place = Rider().Client.Pos;
+    const float Time = GTimeLeft;
+    Steps(60);
+    EXPECT_EQ(Rider().Client.Pos, Place);
+    EXPECT_NEAR(GTimeLeft, Time - 1, 0.01f);
+    Click(FIRST_BUTTON);
+    EXPECT_EQ(GPaused, 0u);
+    Steps(30);
+    EXPECT_FALSE(Rider().Client.Pos == Place);
+    Tap(SDLK_ESCAPE);
+    Click(SECOND_BUTTON);
+    EXPECT_EQ(GGameState, GAME_MENU);
+    EXPECT_EQ(GPaused, 0u);
+    EXPECT_LT(GLevel->Entities.count, 1000u) << "the menu's level";
+    // The clock can run out behind the pause, which then stays.
+    Click(FIRST_BUTTON);
+    Tap(SDLK_ESCAPE);
+    GTimeLeft = STEP / 2;
+    Steps(1);
+    EXPECT_EQ(GGameState, GAME_END);
+    Click(FIRST_BUTTON);
+    EXPECT_EQ(GGameState, GAME_PLAYING);
+    EXPECT_EQ(GPaused, 1u);
+}
+
+TEST_F(Flow, ARunEndsBelowTheSlopeOrWhenTheTimeIsBelowZero) {
+    Play();
+    const float End = -0.8f * GLevel->Params.SizeY;
+    GTimeLeft = STEP;
+    Steps(1);
+    EXPECT_EQ(GGameState, GAME_PLAYING) << "exactly zero is not below";
+    EXPECT_EQ(GTimeLeft, 0);
+    PutRiderAt(End + 30);
+    GTimeLeft = 50;
+    Steps(1);
+    EXPECT_EQ(GGameState, GAME_PLAYING);
+    PutRiderAt(End - 30);
+    Steps(1);
+    EXPECT_EQ(GGameState, GAME_END);
+    const float Left = GTimeLeft;
+    Steps(10);
+    EXPECT_EQ(GTimeLeft, Left);
+}
+
+TEST_F(Flow, TheEndTellsWhatHappenedAndGoesOnFromThere) {
+    Play();
+    const Vec4 Red = {0.9f, 0.1f, 0.1f, 1};
+    const Vec4 Green = {0.1f, 0.9f, 0.1f, 1};
+    struct SCase {
+        UINT32 Level;
+        float Time;
+        UINT32 Trees;
+        const char* Text;
+        Vec4 Color;
+        const char* Button;
+        UINT32 Next;
+    };
+    const SCase Cases[] = {
+        {1, 0, 25, "You failed to get to the end on time!", Red, "Retry level", 1},
+        {4, 5, 39, "You didn't cut enough trees!", Red, "Retry level", 4},
+        {0, 5, 20, "You completed the level!", Green, "Continue", 1},
+        {4, 5, 40, "You finished the game!", Green, "Restart game", 0},
+    };
+    for (const SCase& Case : Cases) {
+        SCOPED_TRACE(Case.Text);
+        EndWith(Case.Level, Case.Time, Case.Trees);
+        const std::vector<UINT8> Shown = Overlay();
+        EXPECT_TRUE(Shown ==
+                    Drawn({Heading(Case.Text, Case.Color), Button(Case.Button, 324), Button("Back to menu", 432)}));
+        Click(FIRST_BUTTON);
+        EXPECT_EQ(GGameState, GAME_PLAYING);
+        EXPECT_EQ(GLevelIndex, Case.Next);
+        EXPECT_NEAR(GTimeLeft, GLevels[Case.Next].TimeLimit, 0.1f);
+        EXPECT_EQ(GTreesCut, 0u);
+    }
+    EndWith(2, 5, 99);
+    Mouse(false, FIRST_BUTTON);
+    std::vector<UINT8> Shown = Overlay();
+    const SText Rest[] = {Heading("You completed the level!", Green), Button("Back to menu", 432)};
+    EXPECT_TRUE(Shown == Drawn({Rest[0], Button("Continue", 324, {0.8f, 0.9f, 1.0f, 1}), Rest[1]})) << "hovered";
+    Mouse(true, FIRST_BUTTON);
+    Shown = Overlay();
+    EXPECT_TRUE(Shown == Drawn({Rest[0], Button("Continue", 324, {0.5f, 0.4f, 0.3f, 1}), Rest[1]})) << "pressed";
+    Mouse(false, NO_BUTTON);
+    Click(SECOND_BUTTON);
+    EXPECT_EQ(GGameState, GAME_MENU);
+}
+
+TEST_F(Flow, AHundredLevelsLeaveNothingBehind) {
+    const auto Change = [](int Times) {
+        for (int i = 0; i < Times; ++i) {
+            LoadLevel(GLevels[i % LEVEL_COUNT].File);
+            PlaceTrees(200);
+            GGame->Update(0, STEP);
+        }
+        return mallinfo2().uordblks;
+    };
+    GGameState = GAME_PLAYING;
+    GTimeLeft = 1e6f;
+    const std::size_t Before = Change(10);
+    for (int k = 0; k < 10; ++k) std::printf("%zu\n", Change(20) - Before);
+    const std::size_t After = Change(100);
+    EXPECT_LT(After, Before + 400000) << "bytes";
+    EXPECT_EQ(GActiveBinds.Size(), 5u);
+    EXPECT_EQ(GPhyCallbacks.Size(), 1u);
+}
+
+TEST_F(Flow, EveryScreenLooksAsItWasKept) {
+    const auto Shows = [&](const char* Name) {
+        GGame->Render(1);
+        EXPECT_TRUE(MatchesGolden(Shrunk(ReadWindow()), Name, 1.0));
+    };
+    Steps(150);
+    Shows("screen-logo");
+    Tap(SDLK_SPACE);
+    Shows("screen-menu");
+    GGameState = GAME_PLAYING;
+    LoadLevel(GLevels[0].File);
+    SowTrees(GLevels[0].Trees, 1);
+    GTimeLeft = 80;
+    Steps(90);
+    Shows("screen-play");
+    Tap(SDLK_ESCAPE);
+    Shows("screen-pause");
+    EndWith(0, 5, 20);
+    Shows("screen-end");
+}
+
+} // namespace
