@@ -6,7 +6,7 @@ namespace {
 
 using Game = LevelFixture;
 
-SRgb Drawn(int X, int Y) {
+SRgb PixelAt(int X, int Y) {
     GGame->Render(1.0f);
     UINT8 Pixel[3];
     glReadPixels(X, Y, 1, 1, GL_RGB, GL_UNSIGNED_BYTE, Pixel);
@@ -21,14 +21,14 @@ TEST_F(Game, RunsItsLevelAndShowsItUnderTheOverlayOfOneStep) {
         GCamera.Eye = {1e6f, 0, 0};
         GGame->Update(0, STEP);
         EXPECT_LT(M_Length(GCamera.Eye), 1e5f) << "the level's camera has taken over";
-        const SRgb Plain = Drawn(50, 50);
-        EXPECT_FALSE(Plain == Drawn(50, WINDOW_HEIGHT - 20)) << "ground and sky";
+        const SRgb Plain = PixelAt(50, 50);
+        EXPECT_FALSE(Plain == PixelAt(50, WINDOW_HEIGHT - 20)) << "ground and sky";
         GLevel->OverlayRT.Bind();
         ClearWindow(0, 1, 0);
         GLevel->OverlayRT.Unbind();
-        EXPECT_EQ(Drawn(50, 50), (SRgb{0, 255, 0}));
+        EXPECT_EQ(PixelAt(50, 50), (SRgb{0, 255, 0}));
         GGame->Update(0, STEP);
-        EXPECT_EQ(Drawn(50, 50), Plain);
+        EXPECT_EQ(PixelAt(50, 50), Plain);
         GGame->Free();
     }
     delete GGame;
