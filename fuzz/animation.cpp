@@ -10,45 +10,31 @@
 
 namespace {
 
-// A walk over the fields that have such a check, as far as the bytes reach.
-class CCheckedFields {
-public:
-    CCheckedFields(const std::uint8_t* Bytes, std::size_t Size) : At(Bytes), Left(Size) {}
-
-    bool AllGood() {
-        Skip(4);
-        const float Length = std::bit_cast<float>(Word());
-        const UINT32 Tracks = Word();
-        bool Good = Tracks != 0 || Ended;
-        for (UINT32 i = 0; Good && !Ended && i < Tracks; ++i) {
-            Skip(Word());
-            const UINT32 Keys = Word();
-            Good = Keys != 0 || Ended;
-            for (UINT32 k = 0; Good && !Ended && k < Keys; ++k) {
-                const float Time = std::bit_cast<float>(Word());
-                Good = Ended || (Time >= 0 && Time <= Length);
-                Skip(16);
-            }
+// Whether the file's fields pass the checks that stop the program, as far as the bytes reach.
+bool PassesChecks(const std::uint8_t* Bytes, std::size_t Size) {
+    std::size_t At = 4;
+    const auto Ended = [&] { return At > Size; };
+    const auto Word = [&] {
+        const std::uint8_t* b = Bytes + At;
+        At += 4;
+        return Ended() ? 0 : UINT32{b[0]} << 24 | UINT32{b[1]} << 16 | UINT32{b[2]} << 8 | b[3];
+    };
+    const float Length = std::bit_cast<float>(Word());
+    const UINT32 Tracks = Word();
+    bool Good = Tracks != 0 || Ended();
+    for (UINT32 i = 0; Good && !Ended() && i < Tracks; ++i) {
+        const UINT32 NameLength = Word();
+        At += NameLength;
+        const UINT32 Keys = Word();
+        Good = Keys != 0 || Ended();
+        for (UINT32 k = 0; Good && !Ended() && k < Keys; ++k) {
+            const float Time = std::bit_cast<float>(Word());
+            Good = Ended() || (Time >= 0 && Time <= Length);
+            At += 16;
         }
-        return Good;
     }
-
-private:
-    void Skip(std::size_t Count) {
-        Ended = Ended || Count > Left;
-        At += Ended ? 0 : Count;
-        Left -= Ended ? 0 : Count;
-    }
-    UINT32 Word() {
-        const std::uint8_t* Start = At;
-        Skip(4);
-        return Ended ? 0 : UINT32{Start[0]} << 24 | UINT32{Start[1]} << 16 | UINT32{Start[2]} << 8 | Start[3];
-    }
-
-    const std::uint8_t* At;
-    std::size_t Left;
-    bool Ended = false;
-};
+    return Good;
+}
 
 void Play(SAnimation& First, SAnimation& Second) {
     SAnimChannel Channel;
@@ -80,7 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Bytes, std::size_t Siz
         Content.Add(File[i]);
     }
     SAnimation Anim;
-    if (CCheckedFields(File, FileSize).AllGood() && AnimRead(Content, Anim)) {
+    if (PassesChecks(File, FileSize) && AnimRead(Content, Anim)) {
         AnimReadWeights(Text, Anim);
         SAnimation Still;
         Play(Anim, Anim);

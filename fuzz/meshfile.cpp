@@ -28,14 +28,6 @@ void AddParts(SMesh& Mesh, const SMeshPartTable& Parts) {
     }
 }
 
-void Pose(const SMesh& Mesh) {
-    Mat4 Out[MESH_MAX_BONES];
-    const Quat Rest[MESH_MAX_BONES];
-    Mat4 World;
-    M_Mat4Identity(World);
-    Mesh.Bones[0].Evaluate(Out, World, Rest);
-}
-
 void ReadBinary(GArray<UINT8>& Bytes) {
     SMesh Mesh;
     SMeshPartTable Parts;
@@ -52,7 +44,9 @@ void ReadBinary(GArray<UINT8>& Bytes) {
     Mat4 World;
     M_Mat4Identity(World);
     Mesh.TraceRay({{0, 0, 10}, {0, 0, -1}}, World);
-    Pose(Mesh);
+    Mat4 Out[MESH_MAX_BONES];
+    const Quat Rest[MESH_MAX_BONES];
+    Mesh.Bones[0].Evaluate(Out, World, Rest);
 }
 
 void ReadDescriptor(const GString& Text) {

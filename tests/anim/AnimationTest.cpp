@@ -1,22 +1,12 @@
 // Animation files, their store and playback. What the poses are compared with is playback once more, with values in
 // place of pointers and of a store.
 #include "anim/AnimInstance.h"
-#include "platform/Platform.h"
+#include "support/Common.h"
 
-#include <algorithm>
 #include <bit>
-#include <cmath>
 #include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <gtest/gtest.h>
 #include <list>
-#include <map>
 #include <optional>
-#include <random>
-#include <unistd.h>
-
-#define EXPECT_FATAL(Statement, Text) EXPECT_EXIT(Statement, testing::ExitedWithCode(222), Text)
 
 namespace {
 
@@ -130,40 +120,22 @@ UINT32 Read(const std::string& Content, SAnimation& Anim) {
     return AnimRead(Bytes, Anim);
 }
 
-void Write(const std::string& Name, const std::string& Bytes) {
-    std::ofstream(Name, std::ios::binary) << Bytes;
-}
-
-class Animation : public testing::Test {
+class Animation : public TempDirTest {
 protected:
-    Animation() {
-        std::filesystem::current_path(
-            mkdtemp((std::filesystem::temp_directory_path() / "anim-XXXXXX").string().data()));
-        GPlatform.ShowError = [](const char*, const char* Text) { std::fputs(Text, stderr); };
-    }
-    ~Animation() override {
-        const auto Dir = std::filesystem::current_path();
-        std::filesystem::current_path(Dir.parent_path());
-        std::filesystem::remove_all(Dir);
-    }
-
-    float Random(float Low, float High) { return std::uniform_real_distribution<float>(Low, High)(Engine); }
-    int Whole(int Low, int High) { return std::uniform_int_distribution<int>(Low, High)(Engine); }
-
     // Keys in any order, some at equal times, the first not always at 0.
     STrackModel Track(float Length) {
         STrackModel Made{{}, Length, 1};
-        for (int i = Whole(0, 5); i >= 0; --i) {
-            const Quat q = M_QuatNormalized({Random(-1, 1), Random(-1, 1), Random(-1, 1), Random(-1, 1)});
-            Made.Keys.emplace_back(i == 2 ? 0 : Length * static_cast<float>(Whole(0, 8)) / 8, q);
+        for (int i = Random.Whole(0, 5); i >= 0; --i) {
+            Quat q = Random.Rotation();
+            q.w = Random.Between(-1, 1);
+            Made.Keys.emplace_back(i == 2 ? 0 : Length * static_cast<float>(Random.Whole(0, 8)) / 8,
+                                   M_QuatNormalized(q));
         }
         return Made;
     }
 
-    std::mt19937 Engine{711};
+    CRandom Random;
 };
-
-} // namespace
 
 TEST_F(Animation, TracksFollowTheCurveAtAnyTimeWhateverTheOrderOfTheirKeysInTheFile) {
     for (int n = 0; n < 400; ++n) {
@@ -171,7 +143,7 @@ TEST_F(Animation, TracksFollowTheCurveAtAnyTimeWhateverTheOrderOfTheirKeysInTheF
         SAnimation Anim;
         ASSERT_EQ(Read(FileOf(Model), Anim), 1u);
         for (const auto& [Bone, Expected] : Model.Tracks) {
-            const float Time = Random(-5, 8);
+            const float Time = Random.Between(-5, 8);
             EXPECT_EQ(Anim.Tracks[Bone.c_str()].Sample(Time, n % 2), Expected.At(Time, n % 2)) << n;
         }
     }
@@ -190,7 +162,7 @@ TEST_F(Animation, DamageIsRefusedOrStopsTheRunInOrder) {
     };
     for (int n = 0; n < 40; ++n) {
         std::string Changed = Intact;
-        Changed[Engine() % (n % 2 ? Intact.size() : 24)] = static_cast<char>(Engine());
+        Changed[Random.Engine() % (n % 2 ? Intact.size() : 24)] = static_cast<char>(Random.Engine());
         EXPECT_EXIT((Read(Changed, Anim), std::exit(0)), InOrder, "");
     }
     EXPECT_FATAL(Read(FileOf({{}, 1}) + Intact, Anim), "-ASSERT-\nThis test expression is false:\nTrackCount != 0\n");
@@ -203,7 +175,7 @@ TEST_F(Animation, DamageIsRefusedOrStopsTheRunInOrder) {
 
 TEST_F(Animation, IsSharedUntilTheLastRelease) {
     for (const char* Name : {"a.anf", "b.anf", "c.anf"}) {
-        Write(Name, std::string(Name[0] == 'c', ' ') + FileOf({{{"hip", Track(1)}}, 1}));
+        WriteText(Name, std::string(Name[0] == 'c', ' ') + FileOf({{{"hip", Track(1)}}, 1}));
     }
     SAnimation* First = AnimAddRef("a.anf");
     SAnimation* Other = AnimAddRef("b.anf");
@@ -246,22 +218,22 @@ TEST_F(Animation, RandomPlayOfManyAnimationsGivesThePosesOfThePlainModel) {
     }
     for (const std::string Name : {"0walk", "1run", "2wave", "3cut", "4stab"}) {
         SAnimationModel& Model = Models[Name];
-        Model.Length = Random(0.3f, 2);
+        Model.Length = Random.Between(0.3f, 2);
         std::string Weights = "nobody 1\r\n";
-        for (std::size_t i = Whole(0, 2); i < Bones.size(); i += Whole(1, 3)) {
+        for (std::size_t i = Random.Whole(0, 2); i < Bones.size(); i += Random.Whole(1, 3)) {
             STrackModel& Made = Model.Tracks[Bones[i]] = Track(Model.Length);
-            Made.Weight = static_cast<float>(Whole(0, 4)) / 4;
+            Made.Weight = static_cast<float>(Random.Whole(0, 4)) / 4;
             Weights += "  " + Bones[i] + "\t" + std::to_string(Made.Weight) + " and more\n";
         }
-        Write(Name + ".anf", FileOf(Model));
-        Write(Name + ".wts", Weights);
+        WriteText(Name + ".anf", FileOf(Model));
+        WriteText(Name + ".wts", Weights);
         Instance.Add((Name + ".anf").c_str(), Name.c_str(), Name[0] < '2');
     }
     for (int Turn = 0; Turn < 5000; ++Turn) {
-        if (Turn > 0 && Whole(0, 6) == 0) {
-            const auto Chosen = std::next(Models.begin(), Whole(0, 4));
+        if (Turn > 0 && Random.Whole(0, 6) == 0) {
+            const auto Chosen = std::next(Models.begin(), Random.Whole(0, 4));
             const bool Once = Chosen->first[0] > '2', Group = Chosen->first[0] < '2';
-            const float Rate = Random(0.5f, 6);
+            const float Rate = Random.Between(0.5f, 6);
             EXPECT_EQ(Instance.Play(Once, Chosen->first.c_str(), Rate), 1u);
             EXPECT_EQ(Instance.Play(Once, "unknown", Rate), 0u);
             auto Found = std::find_if(Channels.begin(), Channels.end(),
@@ -270,7 +242,7 @@ TEST_F(Animation, RandomPlayOfManyAnimationsGivesThePosesOfThePlainModel) {
             Found->Start(Chosen->second, Rate, Once);
             Found->Group = Group;
         }
-        const float Step = Random(0, 0.08f), Fraction = Random(0, 1);
+        const float Step = Random.Between(0, 0.08f), Fraction = Random.Between(0, 1);
         Instance.Advance(Step);
         std::erase_if(Channels, [&](auto& c) { return !c.GoesOn(Step); });
         ASSERT_EQ(Instance.Channels.count, Channels.size());
@@ -287,3 +259,5 @@ TEST_F(Animation, RandomPlayOfManyAnimationsGivesThePosesOfThePlainModel) {
         }
     }
 }
+
+} // namespace

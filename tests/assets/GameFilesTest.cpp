@@ -1,28 +1,15 @@
 // The game's own files as the build made them: generated alike each time, complete, grounds that repeat without a
 // seam, slopes that ride without stairs, skies that fit their level's sun and fog.
+#include "support/Common.h"
 #include "terrain/TerrainFile.h"
 #include "world/LevelFile.h"
 
 #include <IL/il.h>
-#include <cmath>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 namespace {
 
-namespace fs = std::filesystem;
-
 std::string GamePath(const std::string& Relative) {
     return SLOPERUSH_GAME_DIR "/" + Relative;
-}
-
-std::string FileBytes(const fs::path& Path) {
-    std::ifstream File(Path, std::ios::binary);
-    EXPECT_TRUE(File.is_open()) << Path;
-    return std::string(std::istreambuf_iterator<char>(File), {});
 }
 
 // RGBA as the engine sees it.
@@ -55,10 +42,10 @@ protected:
                 GArray<SEntityDef> Defs;
                 GString BadWord;
                 SLevelParams Params;
-                ASSERT_EQ(ReadLevelText(FileBytes(Entry.path()).c_str(), Params, Defs, BadWord), ELevelText::Good);
+                ASSERT_EQ(ReadLevelText(ReadText(Entry.path()).c_str(), Params, Defs, BadWord), ELevelText::Good);
                 const char* Path = Params.TerrainFile.CStr();
                 Terrains.emplace_back();
-                ASSERT_EQ(ParseTerrainFile(Path, FileBytes(GamePath(Path)).c_str(), Terrains.back()), 1);
+                ASSERT_EQ(ParseTerrainFile(Path, ReadText(GamePath(Path)).c_str(), Terrains.back()), 1);
                 Levels.push_back(Params);
             }
         }
@@ -69,18 +56,17 @@ protected:
     std::vector<STerrainFile> Terrains; // one per level
 };
 
-TEST(AssetGen, MakesTheBytesThatTheBuildMadeAndRefusesWhatItDoesNotKnow) {
-    const fs::path Folder = fs::temp_directory_path() / ("assetgen-" + std::to_string(getpid()));
-    fs::create_directories(Folder);
-    EXPECT_NE(std::system((SLOPERUSH_ASSETGEN " " + Folder.string() + " Nowhere.png 2>/dev/null").c_str()), 0);
-    EXPECT_TRUE(fs::is_empty(Folder));
-    EXPECT_EQ(std::system((SLOPERUSH_ASSETGEN " " + Folder.string()).c_str()), 0);
-    EXPECT_FALSE(fs::is_empty(Folder));
-    for (const auto& Entry : fs::recursive_directory_iterator(Folder)) {
-        const std::string Built = GamePath("Data/" + fs::relative(Entry.path(), Folder).string());
-        EXPECT_TRUE(Entry.is_directory() || FileBytes(Entry.path()) == FileBytes(Built)) << Built;
+using AssetGen = TempDirTest;
+
+TEST_F(AssetGen, MakesTheBytesThatTheBuildMadeAndRefusesWhatItDoesNotKnow) {
+    EXPECT_NE(std::system(SLOPERUSH_ASSETGEN " . Nowhere.png 2>/dev/null"), 0);
+    EXPECT_TRUE(fs::is_empty("."));
+    EXPECT_EQ(std::system(SLOPERUSH_ASSETGEN " ."), 0);
+    EXPECT_FALSE(fs::is_empty("."));
+    for (const auto& Entry : fs::recursive_directory_iterator(".")) {
+        const std::string Built = GamePath("Data/" + Entry.path().string());
+        EXPECT_TRUE(Entry.is_directory() || ReadText(Entry.path()) == ReadText(Built)) << Built;
     }
-    fs::remove_all(Folder);
 }
 
 TEST_F(GameFiles, LevelsAndTerrainFilesNameFilesThatExist) {

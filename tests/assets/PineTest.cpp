@@ -3,9 +3,6 @@
 #include "meshgen/TreeMeshGen.h"
 #include "support/GlFixture.h"
 
-#include <cmath>
-#include <filesystem>
-
 namespace {
 
 constexpr UINT32 MOST_TRIANGLES = 500;
@@ -20,7 +17,7 @@ TEST_F(Pine, EveryLevelKeepsItsTopItsRoundnessAndNoEmptyTriangle) {
         return;
     }
     for (const char* Folder : {"Data/Generators", "Data/Textures/Trees"}) {
-        std::filesystem::copy(std::string(SLOPERUSH_GAME_DIR "/") + Folder, Folder);
+        fs::copy(std::string(SLOPERUSH_GAME_DIR "/") + Folder, Folder);
     }
     STreeMeshGen Generator;
     ASSERT_EQ(Generator.Generate("Data/Generators/PineTree0.mgn"), 1u);

@@ -5,26 +5,18 @@
 #include "support/GlFixture.h"
 
 #include <GL/glew.h>
-#include <filesystem>
 
 namespace {
 
 class Shaders : public GlFixture {
 protected:
-    void SetUp() override {
-        GlFixture::SetUp();
-        if (Ready) {
-            std::filesystem::copy(SLOPERUSH_GAME_DIR "/Data/Shaders", "Data/Shaders",
-                                  std::filesystem::copy_options::recursive);
-            ShaderLibInit();
-        }
+    void Start() override {
+        fs::copy(SLOPERUSH_GAME_DIR "/Data/Shaders", "Data/Shaders", fs::copy_options::recursive);
+        ShaderLibInit();
     }
-    void TearDown() override {
-        if (Ready) {
-            ShaderLibFree();
-            GShaderLib = nullptr;
-        }
-        GlFixture::TearDown();
+    void Finish() override {
+        ShaderLibFree();
+        GShaderLib = nullptr;
     }
 
     void Use(const char* Pixel, const char* Vertex, const char* Macro = nullptr, const char* Skinning = nullptr) {
@@ -87,29 +79,23 @@ protected:
 };
 
 TEST_F(Shaders, EveryRequestLinks) {
-    const char* const Requests[][4] = {{"GUI", "GUI"},
-                                       {"Sprite", "Sprite"},
-                                       {"ParticleSprite", "ParticleSprite"},
-                                       {"FSQuad", "FSQuad"},
-                                       {"PostProcess", "FSQuad"},
-                                       {"ColorOnly", "ColorOnly"},
-                                       {"Sky", "Sky"},
-                                       {"Terrain", "Terrain", LIGHT_AMBDIR},
-                                       {"Terrain", "Terrain", LIGHT_SPOT},
-                                       {"Mesh", "Mesh", LIGHT_AMBDIR},
-                                       {"Mesh", "Mesh", LIGHT_SPOT},
-                                       {"Mesh", "Mesh", LIGHT_AMBDIR, "SKINNING"},
-                                       {"Mesh", "Mesh", LIGHT_SPOT, "SKINNING"},
-                                       {"Foliage", "Foliage", LIGHT_AMBDIR},
-                                       {"Foliage", "Foliage", LIGHT_SPOT},
-                                       {"RenderShadow", "RenderShadow"},
-                                       {"RenderShadow", "RenderShadow", "SKINNING"}};
-    for (const auto& [Pixel, Vertex, Macro, Skinning] : Requests) {
+    const auto ExpectLinks = [&](const char* Pixel, const char* Vertex, const char* Macro, const char* Skinning) {
         Use(Pixel, Vertex, Macro, Skinning);
         GLint Linked = 0;
         glGetProgramiv(Id, GL_LINK_STATUS, &Linked);
         EXPECT_EQ(Linked, GL_TRUE) << Pixel << (Macro ? Macro : "");
+    };
+    for (const char* Name : {"GUI", "Sprite", "ParticleSprite", "FSQuad", "ColorOnly", "Sky", "RenderShadow"}) {
+        ExpectLinks(Name, Name, nullptr, nullptr);
     }
+    for (const char* Light : {LIGHT_AMBDIR, LIGHT_SPOT}) {
+        for (const char* Name : {"Terrain", "Mesh", "Foliage"}) {
+            ExpectLinks(Name, Name, Light, nullptr);
+        }
+        ExpectLinks("Mesh", "Mesh", Light, "SKINNING");
+    }
+    ExpectLinks("PostProcess", "FSQuad", nullptr, nullptr);
+    ExpectLinks("RenderShadow", "RenderShadow", nullptr, "SKINNING");
     EXPECT_GE(glGetAttribLocation(Id, "Indices"), 0) << "skinning takes bones";
 }
 

@@ -1,5 +1,4 @@
 #include "DoubleMatrix.h"
-#include "FoundationFixture.h"
 
 namespace {
 
@@ -10,17 +9,15 @@ protected:
         GCamera = CameraState();
         GMousePos = {};
     }
-
     static void SetUpTilted() { GCamera = {{10, -20, 30}, {14, -5, 22}, {0.2f, -0.1f, 3}, 70, 1.6f, 2, 60}; }
 
     // A point by the camera's matrices to the unit cube, and w.
     static std::array<double, 4> ToClip(const Vec3& p, bool Ortho) {
         Mat4 View, Projection;
         M_CameraLookAt(View);
+        M_Mat4Perspective(Projection, GCamera.Fov * 3.14159265f / 180, GCamera.Aspect, GCamera.Near, GCamera.Far);
         if (Ortho) {
             M_CameraOrtho(Projection);
-        } else {
-            M_Mat4Perspective(Projection, GCamera.Fov * 3.14159265f / 180, GCamera.Aspect, GCamera.Near, GCamera.Far);
         }
         return DoubleOf(Projection) * (DoubleOf(View) * std::array<double, 4>{p.x, p.y, p.z, 1});
     }
@@ -31,9 +28,9 @@ protected:
         int Inside = 0;
         for (int n = 0; n < 20000; ++n) {
             const Vec3 p = GCamera.Eye + Random.Point(80);
-            const auto c = ToClip(p, Ortho);
-            const double Margin = std::min({c[0] - Part.x * c[3], Part.y * c[3] - c[0], c[1] - Part.z * c[3],
-                                            Part.w * c[3] - c[1], c[2] + c[3], c[3] - c[2]});
+            const auto [x, y, z, w] = ToClip(p, Ortho);
+            const double Margin =
+                std::min({x - Part.x * w, Part.y * w - x, y - Part.z * w, Part.w * w - y, z + w, w - z});
             if (std::fabs(Margin) > 1e-3) {
                 const bool Within =
                     std::all_of(F.Planes, F.Planes + 6, [&](const Plane& P) { return M_Dot(P.Normal, p) < P.D; });
@@ -48,15 +45,11 @@ protected:
     }
 };
 
-} // namespace
-
 TEST_F(Camera, LerpMixesEveryNumberFromTheSecondState) {
     M_CameraLerp({{1, 0, 0}, {0, 2, 0}, {0, 0, 3}, 40, 1, 2, 100}, {{5, 0, 0}, {0, 6, 0}, {0, 0, 7}, 80, 3, 4, 300},
                  0.25f);
-    EXPECT_EQ(GCamera.Eye, (Vec3{4, 0, 0}));
-    EXPECT_EQ(GCamera.Target, (Vec3{0, 5, 0}));
-    EXPECT_EQ(GCamera.Up, (Vec3{0, 0, 6}));
-    EXPECT_EQ((Vec4{GCamera.Fov, GCamera.Aspect, GCamera.Near, GCamera.Far}), (Vec4{70, 2.5f, 3.5f, 250}));
+    const CameraState Expected = {{4, 0, 0}, {0, 5, 0}, {0, 0, 6}, 70, 2.5f, 3.5f, 250};
+    EXPECT_EQ(std::memcmp(&GCamera, &Expected, sizeof(CameraState)), 0);
 }
 
 TEST_F(Camera, FrustumIsTheVolumeThatIsDrawnFromAnyEye) {
@@ -93,16 +86,15 @@ TEST_F(Camera, PickRayIsDrawnUnderTheMouse) {
         M_CameraPickRay(R);
         EXPECT_EQ(R.Origin, GCamera.Eye);
         EXPECT_NEAR(M_Length(R.Dir), 1, 1e-5);
-        const auto Clip = ToClip(R.Origin + R.Dir * 20, false);
-        EXPECT_NEAR((Clip[0] / Clip[3] + 1) / 2 * 1024, GMousePos.x, 0.05);
-        EXPECT_NEAR((1 - Clip[1] / Clip[3]) / 2 * 576, GMousePos.y, 0.05);
+        const auto [x, y, z, w] = ToClip(R.Origin + R.Dir * 20, false);
+        EXPECT_NEAR((x / w + 1) / 2 * 1024, GMousePos.x, 0.05);
+        EXPECT_NEAR((1 - y / w) / 2 * 576, GMousePos.y, 0.05);
     }
 }
 
 TEST_F(Camera, RectFrustumIsTheSameFromEveryCorner) {
     SetUpTilted();
-    const float x[2] = {300, 800};
-    const float y[2] = {50, 400};
+    const float x[2] = {300, 800}, y[2] = {50, 400};
     for (int i = 0; i < 4; ++i) {
         GMousePos = {x[i & 1], y[i >> 1]};
         Frustum F;
@@ -110,3 +102,5 @@ TEST_F(Camera, RectFrustumIsTheSameFromEveryCorner) {
         ExpectVolume(F, false, {300 / 512.0f - 1, 800 / 512.0f - 1, 1 - 400 / 288.0f, 1 - 50 / 288.0f});
     }
 }
+
+} // namespace

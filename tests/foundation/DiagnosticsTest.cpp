@@ -1,6 +1,5 @@
-#include "FoundationFixture.h"
-
-#include <cstring>
+#include "foundation/Diagnostics.h"
+#include "support/Common.h"
 
 namespace {
 
@@ -12,13 +11,7 @@ protected:
             std::fprintf(stderr, "[%s][%zu][%s]\n", Title, std::strlen(Text), Text);
         };
     }
-    ~Diagnostics() override { PlatformRestore(); }
 };
-
-} // namespace
-
-// The status is what a shell sees of 0xBADDC0DE.
-#define EXPECT_FATAL(Statement, Text) EXPECT_EXIT(Statement, testing::ExitedWithCode(222), Text)
 
 TEST_F(Diagnostics, LogPrintfFormatsAndCutsWhatIsTooLong) {
     const std::string Long(LOG_BUFFER + 1000, 'x');
@@ -28,15 +21,13 @@ TEST_F(Diagnostics, LogPrintfFormatsAndCutsWhatIsTooLong) {
 
 TEST_F(Diagnostics, FatalErrorsAreShownAndCollectInTheLogWhichTakesThemWhole) {
     const std::string Long(3 * LOG_BUFFER, 'z');
+    EXPECT_FATAL(FatalBox("C_SysFileOpen error\n"), "\\[Error!\\]\\[20\\]\\[C_SysFileOpen error\n\\]");
+    EXPECT_FALSE(fs::exists("error.log"));
     EXPECT_FATAL(FatalError("No mesh %s (%d)\n", "pine", 7), "\\[Error!\\]\\[17\\]\\[No mesh pine \\(7\\)");
     EXPECT_FATAL(FatalError("%s", Long.c_str()), "\\[Error!\\]\\[16383\\]\\[zzz");
-    EXPECT_EQ(ReadBack("error.log"), "No mesh pine (7)\n" + Long);
-}
-
-TEST_F(Diagnostics, BoxAppearsWithoutALogToo) {
-    EXPECT_FATAL(FatalBox("C_SysFileOpen error\n"), "\\[Error!\\]\\[20\\]\\[C_SysFileOpen error\n\\]");
-    EXPECT_FALSE(std::filesystem::exists("error.log"));
-    std::filesystem::create_directory("error.log");
+    EXPECT_EQ(ReadText("error.log"), "No mesh pine (7)\n" + Long);
+    fs::remove("error.log");
+    fs::create_directory("error.log");
     EXPECT_FATAL(FatalError("still seen"), "\\[Error!\\]\\[10\\]\\[still seen\\]");
 }
 
@@ -45,5 +36,7 @@ TEST_F(Diagnostics, AssertTellsTheExpressionAndRunsItOnce) {
     G_ASSERT(++Runs == 1);
     EXPECT_EQ(Runs, 1);
     EXPECT_FATAL(G_ASSERT(Runs != 1), "-ASSERT-");
-    EXPECT_EQ(ReadBack("error.log"), "-ASSERT-\nThis test expression is false:\nRuns != 1\n");
+    EXPECT_EQ(ReadText("error.log"), "-ASSERT-\nThis test expression is false:\nRuns != 1\n");
 }
+
+} // namespace

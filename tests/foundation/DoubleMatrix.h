@@ -1,12 +1,7 @@
 // Plain matrices of double precision, row by row as they stand in a book: the yardstick for Mat4.
 #pragma once
 
-#include "foundation/Maths.h"
-
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <gtest/gtest.h>
+#include "support/Common.h"
 
 using SDouble4 = std::array<std::array<double, 4>, 4>;
 

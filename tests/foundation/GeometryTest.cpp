@@ -1,23 +1,23 @@
 #include "DoubleMatrix.h"
-#include "FoundationFixture.h"
 
 namespace {
 
-Vec3 Corner(const BBox& Box, int i) {
-    return {(i & 1 ? Box.Max : Box.Min).x, (i & 2 ? Box.Max : Box.Min).y, (i & 4 ? Box.Max : Box.Min).z};
-}
+using Points = std::vector<Vec3>;
 
 double Triple(const Vec3& a, const Vec3& b, const Vec3& c) {
     return Determinant({{{a.x, b.x, c.x, 0}, {a.y, b.y, c.y, 0}, {a.z, b.z, c.z, 0}, {0, 0, 0, 1}}});
 }
 
-} // namespace
+GArray<Vec3> Ring(const Points& From) {
+    GArray<Vec3> Result;
+    std::for_each(From.begin(), From.end(), [&](const Vec3& p) { Result.Add(p); });
+    return Result;
+}
 
 TEST(BBox, OnePointNeverMovesBothEnds) {
     BBox Inverted = {{10, 10, 10}, {-10, -10, -10}};
     M_BBoxAddPoint({0, 0, 0}, Inverted);
-    EXPECT_EQ(Inverted.Min, Vec3());
-    EXPECT_EQ(Inverted.Max, (Vec3{-10, -10, -10}));
+    EXPECT_TRUE((Inverted.Min == Vec3() && Inverted.Max == Vec3{-10, -10, -10}));
 }
 
 TEST(BBox, TransformHoldsTheTurnedCornersTightly) {
@@ -37,15 +37,14 @@ TEST(BBox, IsOutsideAPlaneIfAllEightCornersAre) {
         const Vec3 Low = Random.Point(5);
         const BBox Box = {Low, Low + (Random.Point(2) + Vec3{2, 2, 2})};
         const Plane P = {Random.Unit(), Random.Between(-5, 5)};
-        float Nearest = INFINITY;
-        float Farthest = -INFINITY;
+        std::set<float> Depths;
         for (int i = 0; i < 8; ++i) {
-            Nearest = std::min(Nearest, M_Dot(P.Normal, Corner(Box, i)));
-            Farthest = std::max(Farthest, M_Dot(P.Normal, Corner(Box, i)));
+            const auto End = [&](int Bit) { return i & Bit ? Box.Max : Box.Min; };
+            Depths.insert(M_Dot(P.Normal, {End(1).x, End(2).y, End(4).z}));
         }
-        EXPECT_EQ(M_BBoxOutsidePlane(Box, P), Nearest > P.D);
-        EXPECT_EQ(M_Dot(P.Normal, M_BBoxFarCorner(Box, P.Normal)), Farthest);
-        Outside += Nearest > P.D;
+        EXPECT_EQ(M_BBoxOutsidePlane(Box, P), *Depths.begin() > P.D);
+        EXPECT_EQ(M_Dot(P.Normal, M_BBoxFarCorner(Box, P.Normal)), *Depths.rbegin());
+        Outside += *Depths.begin() > P.D;
     }
     EXPECT_GT(Outside, 200);
 }
@@ -76,10 +75,7 @@ TEST(Ray, HitsATriangleFromOneSideWhereBarycentricCoordinatesSay) {
     CRandom Random;
     int Hits = 0;
     for (int n = 0; n < 5000; ++n) {
-        const Vec3 a = Random.Point(4);
-        const Vec3 e1 = Random.Point(8);
-        const Vec3 e2 = Random.Point(8);
-        const Vec3 o = Random.Point(8);
+        const Vec3 a = Random.Point(4), e1 = Random.Point(8), e2 = Random.Point(8), o = Random.Point(8);
         const Ray R = {a + o, Random.Unit()};
         const double Facing = Triple(R.Dir, e1, e2);
         const double u = Triple(R.Dir, o, e2) / Facing;
@@ -101,22 +97,23 @@ TEST(Ray, HitsATriangleFromOneSideWhereBarycentricCoordinatesSay) {
 }
 
 TEST(Ray, MeetsAPlaneBySideAndDirection) {
-    const Plane P = {{0, 0, 1}, 2};
-    struct {
+    const struct {
         Ray R;
         int FrontOnly, AllowBehind, Hit;
         float t;
-    } const Cases[] = {
+    } Cases[] = {
         {{{0, 0, 5}, {0.6f, 0, -0.8f}}, 1, 0, 1, 3.75f}, {{{0, 0, -1}, {0, 0, 1}}, 0, 0, 1, 3},
         {{{0, 0, -1}, {0, 0, 1}}, 1, 0, 0, 99},          {{{0, 0, 5}, {0, 0, 1}}, 0, 0, 0, 99},
         {{{0, 0, 5}, {0, 0, 1}}, 0, 1, 1, -3},           {{{0, 0, 1}, {0, 0, -1}}, 1, 1, 1, -1},
         {{{0, 0, 1}, {0, 0, -1}}, 1, 0, 0, 99},          {{{0, 0, 5}, {1, 0, -0.00009f}}, 0, 1, 0, 99},
     };
     for (const auto& Case : Cases) {
-        float t = 99;
-        EXPECT_EQ(M_RayPlane(P, Case.R, Case.FrontOnly, Case.AllowBehind, &t), Case.Hit);
-        EXPECT_FLOAT_EQ(t, Case.t);
-        EXPECT_EQ(M_RayPlane(P, Case.R, Case.FrontOnly, Case.AllowBehind, nullptr), Case.Hit);
+        for (const float Before : {99.0f, -99.0f}) {
+            float t = Before;
+            float* Out = Before > 0 ? &t : nullptr;
+            EXPECT_EQ(M_RayPlane({{0, 0, 1}, 2}, Case.R, Case.FrontOnly, Case.AllowBehind, Out), Case.Hit);
+            EXPECT_FLOAT_EQ(t, Out ? Case.t : Before);
+        }
     }
 }
 
@@ -132,14 +129,13 @@ TEST(Ray, MeetsASphere) {
         const double b = M_Dot(o, R.Dir);
         const double c = M_Dot(o, o) - double{Radius} * Radius;
         const bool Inside = c <= 0;
-        if (!Inside && std::fabs(b * b - c) < 1e-2) {
-            continue;
+        if (Inside || std::fabs(b * b - c) > 1e-2) {
+            float t = 0;
+            const int Hit = M_RaySphere(R, Centre, Radius, &t);
+            ASSERT_EQ(Hit, Inside || (b * b > c && b < 0));
+            EXPECT_NEAR(t, !Hit ? 0 : Inside ? M_Length(o) : -b - std::sqrt(b * b - c), 2e-3);
+            Hits += Hit;
         }
-        float t = 0;
-        const int Hit = M_RaySphere(R, Centre, Radius, &t);
-        ASSERT_EQ(Hit, Inside || (b * b > c && b < 0));
-        EXPECT_NEAR(t, !Hit ? 0 : Inside ? M_Length(o) : -b - std::sqrt(b * b - c), 2e-3);
-        Hits += Hit;
     }
     EXPECT_GT(Hits, 100);
     EXPECT_EQ(M_RaySphere({{0, 1, 0}, {0, 0, 1}}, {}, 5, nullptr), 1);
@@ -162,6 +158,51 @@ TEST(Ray, ToLocalMeetsTheSamePointsUnlessTheObjectIsFlat) {
     M_Mat4Compose({1, 0, 1}, {5, 5, 5}, World, {});
     Ray R = {{1, 2, 3}, {0, 1, 0}};
     M_RayToLocal(World, R);
-    EXPECT_EQ(R.Origin, (Vec3{1, 2, 3}));
-    EXPECT_EQ(R.Dir, (Vec3{0, 1, 0}));
+    EXPECT_TRUE((R.Origin == Vec3{1, 2, 3} && R.Dir == Vec3{0, 1, 0}));
 }
+
+TEST(Polygon, PlaneHoldsAllPointsOrIsNotWritten) {
+    CRandom Random;
+    Plane P;
+    for (int n = 0; n < 20; ++n) {
+        const Vec3 u = Random.Unit(), v = M_Normalized(M_Cross(u, Random.Unit())), Origin = Random.Point(3);
+        ASSERT_EQ(M_PolygonPlane(Ring({Origin, Origin + u, Origin + v, Origin + u * 3 + v, Origin - u}), P), 1);
+        ExpectNear(P.Normal, M_Cross(u, v), 1e-4f);
+        EXPECT_NEAR(P.D, M_Dot(P.Normal, Origin), 1e-5);
+    }
+    P.D = 7;
+    EXPECT_EQ(M_PolygonPlane(Ring({{0, 0, 0}, {1, 0, 0}}), P), 0);
+    EXPECT_EQ(M_PolygonPlane(Ring({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0.0002f}}), P), 0);
+    EXPECT_EQ(P.D, 7);
+    EXPECT_EQ(M_PolygonPlane(Ring({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0.00009f}}), P), 1);
+}
+
+TEST(Polygon, CleanTakesOutTwinsStraightCornersAndSpikes) {
+    const Points Square = {{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}};
+    const std::pair<Points, Points> Cases[] = {
+        {Square, Square},
+        {{{0, 0, 0}, {0.00005f, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 0, 0.00005f}}, {{0, 0, 0}, {2, 0, 0}, {2, 2, 0}}},
+        {{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}, {0, 1, 0}}, Square},
+        {{{0, 0, 0}, {2, 0, 0}, {5, 0, 0}, {2, 0, 0}, {2, 2, 0}}, {{0, 0, 0}, {5, 0, 0}, {2, 2, 0}}}};
+    for (const auto& [From, To] : Cases) {
+        GArray<Vec3> Cleaned = Ring(From);
+        EXPECT_EQ(M_PolygonClean(Cleaned), 1);
+        EXPECT_EQ(Points(Cleaned.begin(), Cleaned.end()), To);
+    }
+    for (GArray<Vec3> Hopeless : {Ring({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}}), Ring({})}) {
+        EXPECT_EQ(M_PolygonClean(Hopeless), 0);
+    }
+}
+
+TEST(Polygon, ProjectReplacesTheOutputAndReturnsTheFirstDepth) {
+    Mat4 Move;
+    M_Mat4Translation(Move, {10, 20, 30});
+    GArray<Vec2> Out;
+    Out.Add({9, 9});
+    EXPECT_EQ(M_PolygonProject(Out, Ring({{1, 2, 3}, {4, 5, 6}}), Move), 33);
+    EXPECT_EQ(std::vector<Vec2>(Out.begin(), Out.end()), (std::vector<Vec2>{{11, 22}, {14, 25}}));
+    EXPECT_EQ(M_PolygonProject(Out, {}, Move), 3.4028235e38f);
+    EXPECT_EQ(Out.Size(), 0u);
+}
+
+} // namespace

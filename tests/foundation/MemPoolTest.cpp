@@ -1,8 +1,5 @@
-#include "FoundationFixture.h"
-
 #include "foundation/MemPool.h"
-
-#include <cstring>
+#include "support/Common.h"
 
 namespace {
 
@@ -11,35 +8,30 @@ class MemPool : public testing::Test {
 protected:
     ~MemPool() override { MemPoolFree(Pool); }
 
-    UINT8* Bytes() { return reinterpret_cast<UINT8*>(Pool->Base); }
-
     // Writes a block and returns the place behind it. LastBlock is set to it.
     UINT32 Put(UINT32 Offset, UINT32 SizeAndUse, const std::string& Data) {
         const SMemBlock Header = {SizeAndUse, 0};
-        std::memcpy(Bytes() + Offset, &Header, 8);
-        std::memcpy(Bytes() + Offset + 8, Data.data(), Data.size());
-        Pool->LastBlock = reinterpret_cast<SMemBlock*>(Bytes() + Offset);
+        std::memcpy(Bytes + Offset, &Header, 8);
+        std::memcpy(Bytes + Offset + 8, Data.data(), Data.size());
+        Pool->LastBlock = reinterpret_cast<SMemBlock*>(Bytes + Offset);
         return Offset + 8 + static_cast<UINT32>(Data.size());
     }
-
     void ExpectDump(int Used, const std::string& Lines) {
         EXPECT_EQ(PrintedBy([&] { EXPECT_EQ(MemPoolDump(Pool), Used); }), "Dumping memory leaks...\n" + Lines);
     }
     std::string Line(int Number, UINT32 Size, UINT32 Offset, const std::string& Shown) {
         char Text[128];
         std::snprintf(Text, sizeof(Text), "Used block %d: %u bytes @ 0x%llX\ndata(<32): ", Number, Size,
-                      reinterpret_cast<unsigned long long>(Bytes() + Offset));
+                      reinterpret_cast<unsigned long long>(Bytes + Offset));
         return Text + Shown + "\n";
     }
 
     SMemPool* Pool = MemPoolCreate();
+    UINT8* Bytes = reinterpret_cast<UINT8*>(Pool->Base);
 };
 
-} // namespace
-
 TEST_F(MemPool, StartsAsOneFreeBlockOfTheWholeArena) {
-    EXPECT_EQ(Pool->Size, 65536u);
-    EXPECT_EQ(Pool->Base->SizeAndUse, 65528u);
+    EXPECT_TRUE(Pool->Size == 65536 && Pool->Base->SizeAndUse == 65528);
     EXPECT_TRUE(Pool->LastBlock == Pool->Base && Pool->Rover == Pool->Base);
     ExpectDump(0, "");
     Put(0, 65528 | MEM_BLOCK_USED, std::string(65528, '.'));
@@ -60,3 +52,5 @@ TEST_F(MemPool, DumpTellsUsedBlocksAndTheirFirst32BytesUpToADamagedHeader) {
         ExpectDump(2, Expected);
     }
 }
+
+} // namespace

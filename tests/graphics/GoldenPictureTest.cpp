@@ -1,7 +1,5 @@
 #include "support/GoldenPicture.h"
 
-#include <filesystem>
-
 namespace {
 
 using GoldenPictureTest = GlFixture;
@@ -18,7 +16,7 @@ TEST_F(GoldenPictureTest, TheMeanDifferenceIsTheGateAndWhatFailsIsStored) {
     // One channel of the 60 is 30 off: half a step in the mean.
     Picture.Rgb[7] = static_cast<UINT8>(Picture.Rgb[7] + 30);
     EXPECT_TRUE(MatchesGolden(Picture, "Kept", 0.51, Place));
-    EXPECT_FALSE(std::filesystem::exists("failures/Kept-actual.png"));
+    EXPECT_FALSE(fs::exists("failures/Kept-actual.png"));
     EXPECT_FALSE(MatchesGolden(Picture, "Kept", 0.49, Place));
     EXPECT_EQ(ReadPng("failures/Kept-actual.png").Rgb, Picture.Rgb);
     EXPECT_EQ(ReadPng("failures/Kept-expected.png").Rgb[7], 28);

@@ -1,16 +1,12 @@
 #include "graphics/MeshFile.h"
 
-#include <assimp/cexport.h>
-#include <assimp/cimport.h>
-#include <bit>
-#include <cmath>
-#include <cstring>
-#include <random>
-#include <set>
-
 #include "graphics/Mesh.h"
 #include "graphics/TextureStorage.h"
 #include "support/GlFixture.h"
+
+#include <assimp/cexport.h>
+#include <assimp/cimport.h>
+#include <bit>
 
 namespace {
 
@@ -75,9 +71,7 @@ struct SRead {
         GArray<UINT8> Bytes;
         Bytes.Resize(static_cast<UINT32>(File.size()));
         std::copy(File.begin(), File.end(), Bytes.begin());
-        testing::internal::CaptureStdout();
-        Result = MeshReadSkinned(Parts, Mesh, Bytes, "test");
-        testing::internal::GetCapturedStdout();
+        PrintedBy([&] { Result = MeshReadSkinned(Parts, Mesh, Bytes, "test"); });
     }
 };
 
@@ -149,20 +143,15 @@ class MeshFileTest : public GlFixture {
 protected:
     static constexpr const char* MDD = "Data/Models/Test.mdd";
 
-    void SetUp() override {
-        GlFixture::SetUp();
-        if (Ready) {
-            WriteText("a.obj", "v 1 0 0\nv 2 0 0\nv 1 3 0\nvt 0 0\nvt 1 0\nvt 0 1\nvn 0 0 1\nf 1/1/1 2/2/1 3/3/1\n");
-            WriteText("bare.obj", "v 0 0 0\nv 1 0 0\nv 3 1 0\nv 0 1 2\nf 1 2 3\nf 1 3 4\n");
-        }
+    void Start() override {
+        WriteText("a.obj", "v 1 0 0\nv 2 0 0\nv 1 3 0\nvt 0 0\nvt 1 0\nvt 0 1\nvn 0 0 1\nf 1/1/1 2/2/1 3/3/1\n");
+        WriteText("bare.obj", "v 0 0 0\nv 1 0 0\nv 3 1 0\nv 0 1 2\nf 1 2 3\nf 1 3 4\n");
     }
 
     // What is said on standard output; Result is that of the load.
     std::string Load(const std::string& Descriptor) {
         WriteText(MDD, Descriptor);
-        testing::internal::CaptureStdout();
-        Result = MeshLoadDescriptor(MDD, Mesh);
-        return testing::internal::GetCapturedStdout();
+        return PrintedBy([&] { Result = MeshLoadDescriptor(MDD, Mesh); });
     }
 
     // Lengths of the edges in hundredths: axes may be turned, and vertices may be shared or not.

@@ -5,20 +5,7 @@
 #include "support/GlFixture.h"
 #include "support/PlainMesh.h"
 
-#include <cstdlib>
-#include <random>
-
 namespace {
-
-class CRandom {
-public:
-    explicit CRandom(unsigned Seed) : Engine(Seed) {}
-    float operator()() { return std::uniform_real_distribution<float>(0, 1)(Engine); }
-    UINT32 Below(UINT32 End) { return std::uniform_int_distribution<UINT32>(0, End - 1)(Engine); }
-
-private:
-    std::mt19937 Engine;
-};
 
 // Sheets with vertices on a coarse lattice, so that many lengths are equal, triangles that use a corner
 // twice, and now and then a position that is no number.
@@ -44,8 +31,8 @@ void MakeAwkward(SMesh& Mesh, CRandom& Random) {
 }
 
 TEST(MeshLod, GivesTheListsOfThePlainCollapse) {
-    for (unsigned Seed = 0; Seed < 60; ++Seed) {
-        CRandom Random(Seed);
+    CRandom Random;
+    for (int Round = 0; Round < 60; ++Round) {
         SMesh Mesh;
         MakeAwkward(Mesh, Random);
         GArray<SMeshPart> Parts = Mesh.Parts;
@@ -53,17 +40,17 @@ TEST(MeshLod, GivesTheListsOfThePlainCollapse) {
         MeshBuildLods(Mesh, Lods);
         for (UINT32 Level = 1; Level < MESH_LOD_COUNT && Mesh.Indices.count >= MESH_LOD_MIN_INDICES; ++Level) {
             const std::vector<UINT32> Plain = PlainLod(Mesh, Level, MESH_LOD_SHARES[Level], Parts);
-            ASSERT_EQ(std::vector<UINT32>(Lods[Level - 1].begin(), Lods[Level - 1].end()), Plain) << Seed;
+            ASSERT_EQ(std::vector<UINT32>(Lods[Level - 1].begin(), Lods[Level - 1].end()), Plain) << Round;
             for (UINT32 p = 0; p < Parts.count; ++p) {
-                EXPECT_EQ(Mesh.Parts[p].IBOffset[Level], Parts[p].IBOffset[Level]) << Seed;
-                EXPECT_EQ(Mesh.Parts[p].TriangleCount[Level], Parts[p].TriangleCount[Level]) << Seed;
+                EXPECT_EQ(Mesh.Parts[p].IBOffset[Level], Parts[p].IBOffset[Level]) << Round;
+                EXPECT_EQ(Mesh.Parts[p].TriangleCount[Level], Parts[p].TriangleCount[Level]) << Round;
             }
         }
     }
 }
 
 TEST(MeshLod, KeepsPartsInAnyOrderAndLeavesOutWhatNoneNames) {
-    CRandom Random(5);
+    CRandom Random;
     SMesh Mesh;
     for (int i = 0; i < 3; ++i) {
         AddSheetPart(Mesh, 8, Random);
@@ -85,7 +72,7 @@ TEST(MeshLod, KeepsPartsInAnyOrderAndLeavesOutWhatNoneNames) {
 }
 
 TEST(MeshTrace, FindsWhatTheWalkOverAllTrianglesFinds) {
-    CRandom Random(9);
+    CRandom Random;
     SMesh Mesh;
     AddSheetPart(Mesh, 20, Random);
     AddSheetPart(Mesh, 12, Random);
@@ -107,7 +94,7 @@ TEST(MeshTrace, FindsWhatTheWalkOverAllTrianglesFinds) {
 }
 
 TEST(MeshBounds, BoxAllPointsOfAllParts) {
-    CRandom Random(3);
+    CRandom Random;
     SMesh Mesh;
     BBox Box;
     EXPECT_EQ(Mesh.GetBounds(Box), 0u);
@@ -161,10 +148,10 @@ Mat4 PlainPose(const SBone& Bone, const Mat4& World, const Quat* Rotations) {
     return Pose;
 }
 
-class MeshStore : public GlFixture {};
+using MeshStore = GlFixture;
 
 TEST_F(MeshStore, SmallMeshesStayWholeAndIndicesBeyondTheirPartAreFatal) {
-    CRandom Random(1);
+    CRandom Random;
     SMesh Mesh;
     AddSheetPart(Mesh, 4, Random); // 96 indices
     GArray<UINT32> Lods[MESH_LOD_COUNT - 1];
@@ -177,7 +164,7 @@ TEST_F(MeshStore, SmallMeshesStayWholeAndIndicesBeyondTheirPartAreFatal) {
 }
 
 TEST_F(MeshStore, ACopyHasBonesOfItsOwnThatEvaluateAlike) {
-    CRandom Random(4);
+    CRandom Random;
     SMesh Copy;
     Quat Rotations[20];
     Mat4 World;
@@ -207,7 +194,7 @@ TEST_F(MeshStore, ACopyHasBonesOfItsOwnThatEvaluateAlike) {
 
 TEST_F(MeshStore, SharesByNameAndCountsOwners) {
     WriteTga("Data/Textures/a.tga", 1, 1, 3, {1, 2, 3});
-    CRandom Random(6);
+    CRandom Random;
     SMesh Source;
     AddSheetPart(Source, 6, Random);
     Source.AddTexture(0, std::string(100, 'n').c_str(), TextureLoad("Data/Textures/a.tga"), 1);

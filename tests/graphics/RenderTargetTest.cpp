@@ -1,10 +1,8 @@
 #include "graphics/RenderTarget.h"
 
-#include <GL/glew.h>
-#include <algorithm>
-#include <random>
-
 #include "support/GlFixture.h"
+
+#include <GL/glew.h>
 
 namespace {
 

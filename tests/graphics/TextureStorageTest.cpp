@@ -1,30 +1,21 @@
 #include "graphics/TextureStorage.h"
 
-#include <GL/glew.h>
-#include <IL/il.h>
-#include <map>
-#include <random>
-
 #include "support/GlFixture.h"
 
-namespace {
+#include <GL/glew.h>
+#include <IL/il.h>
 
-using Bytes = std::vector<UINT8>;
+namespace {
 
 constexpr const char* RED = "Data/Textures/Red.tga";
 constexpr const char* MISSING = "Data/Textures/Missing.png";
 
 class TextureStorageTest : public GlFixture {
 protected:
-    void SetUp() override {
-        GlFixture::SetUp();
-        if (Ready) {
-            WriteTga(RED, 2, 1, 3, {255, 0, 0, 255, 0, 0});
-        }
-    }
+    void Start() override { WriteTga(RED, 2, 1, 3, {255, 0, 0, 255, 0, 0}); }
 
     // Deletes the texture.
-    static void ExpectMipmapped(UINT32 Id, INT32 Width, INT32 Height, const Bytes& Pixels) {
+    static void ExpectMipmapped(UINT32 Id, INT32 Width, INT32 Height, const FBytes& Pixels) {
         EXPECT_EQ(ReadTexture(Id, Width, Height), Pixels);
         EXPECT_EQ(TextureParameter(Id, GL_TEXTURE_MAG_FILTER), GL_LINEAR);
         EXPECT_EQ(TextureParameter(Id, GL_TEXTURE_MIN_FILTER), GL_LINEAR_MIPMAP_LINEAR);
@@ -76,17 +67,15 @@ TEST_F(TextureStorageTest, ATextureLivesAsLongAsItHasOwners) {
 
 TEST_F(TextureStorageTest, UnknownIdsAreFatal) {
     EXPECT_FATAL(TextureAddRef(4711), "");
-    EXPECT_EQ(ReadText("error.log"), "AddRef: Texture 4711 doesn't exist in the storage");
-    WriteText("error.log", "");
     EXPECT_FATAL(TextureRelease(4711), "");
-    EXPECT_EQ(ReadText("error.log"), "Release: Texture 4711 doesn't exist in the storage\n");
+    EXPECT_EQ(ReadText("error.log"), "AddRef: Texture 4711 doesn't exist in the storage"
+                                     "Release: Texture 4711 doesn't exist in the storage\n");
 }
 
 TEST_F(TextureStorageTest, AFileThatIsMissingOrNoPictureIsReportedOnce) {
     for (int i = 0; i < 2; i++) {
-        testing::internal::CaptureStdout();
-        EXPECT_EQ(TextureLoad(MISSING) + TextureLoad(MISSING), 0u);
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), "Texture \"Data/Textures/Missing.png\" loading failed..\n");
+        EXPECT_EQ(PrintedBy([] { EXPECT_EQ(TextureLoad(MISSING) + TextureLoad(MISSING), 0u); }),
+                  "Texture \"Data/Textures/Missing.png\" loading failed..\n");
         TextureRelease(0);
         TextureRelease(0);
         WriteText(MISSING, "no picture at all");
@@ -99,7 +88,7 @@ TEST_F(TextureStorageTest, FilesAndPixelsBecomeRGBAWithMipmaps) {
     ExpectMipmapped(TextureLoadFile(RED), 2, 1, {255, 0, 0, 255, 255, 0, 0, 255});
     ExpectMipmapped(TextureLoadFile("Grey.tga"), 2, 1, {100, 100, 100, 255, 200, 200, 200, 255});
     ExpectMipmapped(TextureLoadFile("Alpha.tga"), 2, 1, {10, 20, 30, 40, 50, 60, 70, 80});
-    Bytes Pixels(4 * 4 * 2);
+    FBytes Pixels(4 * 4 * 2);
     for (std::size_t i = 0; i < Pixels.size(); i++) {
         Pixels[i] = static_cast<UINT8>(7 * i);
     }
@@ -115,7 +104,7 @@ TEST_F(TextureStorageTest, TheBoundPictureIsCopiedAndDeleted) {
     UINT8* Pixels = nullptr;
     ASSERT_EQ(TextureCopyBoundImage(Width, Height, Pixels, Image), 1);
     EXPECT_EQ(std::pair(Width, Height), std::pair(3, 1));
-    EXPECT_EQ(Bytes(Pixels, Pixels + 12), (Bytes{1, 2, 3, 255, 4, 5, 6, 255, 7, 8, 9, 255}));
+    EXPECT_EQ(FBytes(Pixels, Pixels + 12), (FBytes{1, 2, 3, 255, 4, 5, 6, 255, 7, 8, 9, 255}));
     EXPECT_FALSE(ilIsImage(Image));
     delete[] Pixels;
 }

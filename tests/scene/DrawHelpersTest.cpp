@@ -1,15 +1,9 @@
 #include "scene/DrawHelpers.h"
 
-#include <GL/glew.h>
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <functional>
-#include <random>
-#include <set>
-
 #include "foundation/Screen.h"
 #include "support/GlFixture.h"
+
+#include <GL/glew.h>
 
 namespace {
 
@@ -58,15 +52,14 @@ Vec3 BillboardCorner(int Corner, const Vec3& Centre, float Size, float Angle, fl
 }
 
 TEST(BillboardTest, CornersStandOnTheirCircleAndAnUpAlongTheViewCollapsesThem) {
-    std::mt19937 Random(20);
-    const auto Next = [&](float Low, float High) { return std::uniform_real_distribution<float>(Low, High)(Random); };
+    CRandom Random;
     for (int i = 0; i < 50; i++) {
-        const Vec3 Centre = {Next(-9, 9), Next(-9, 9), Next(-9, 9)};
-        const float Size = Next(0.1f, 5), Angle = Next(-7, 7), Stretch = Next(0.5f, 3);
-        GCamera.Eye = {Next(-9, 9), Next(-9, 9), Next(-9, 9)};
-        GCamera.Target = GCamera.Eye + Vec3{Next(1, 4), Next(1, 4), Next(-1, 1)};
-        GCamera.Up = {Next(-0.2f, 0.2f), Next(-0.2f, 0.2f), 3};
-        const Vec3 Up = i % 2 ? GCamera.Target - GCamera.Eye : Vec3{Next(-0.2f, 0.2f), 5, -8};
+        const Vec3 Centre = Random.Point(9);
+        const float Size = Random.Between(0.1f, 5), Angle = Random.Between(-7, 7), Stretch = Random.Between(0.5f, 3);
+        GCamera.Eye = Random.Point(9);
+        GCamera.Target = GCamera.Eye + Vec3{2.5f, 2.5f, 0} + Random.Point(1);
+        GCamera.Up = Vec3{0, 0, 3} + Random.Point(0.2f);
+        const Vec3 Up = i % 2 ? GCamera.Target - GCamera.Eye : Vec3{Random.Between(-0.2f, 0.2f), 5, -8};
         SVertex24 White[4];
         SVertex40 Colored[4];
         MakeBillboard24(Centre, Size, Angle, Stretch, White);

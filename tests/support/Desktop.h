@@ -1,47 +1,129 @@
-// The player's side of the display: finds the game's window, looks at it, and presses real keys.
+// The player's side of the display: starts the game, finds its window, looks at it, and presses real keys.
 //
-// Works through the programs xdotool and import, on the display in DISPLAY, which needs a window manager. Keys go to
-// the window with the focus, so only one such test may run on a display at a time.
+// Works through the shell and the programs xdotool and import, on the display in DISPLAY, which needs a window manager.
+// Keys go to the window with the focus, so only one such test may run on a display at a time. Waiting is bounded.
 #pragma once
 
+#include <chrono>
+#include <cmath>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <optional>
+#include <set>
 #include <string>
+#include <thread>
 #include <vector>
+
+namespace fs = std::filesystem;
 
 // Red, green and blue in rows from the top.
 using CPixels = std::vector<std::uint8_t>;
 
-class CWindow {
+inline void Wait(double Seconds) {
+    std::this_thread::sleep_for(std::chrono::duration<double>(Seconds));
+}
+
+// Standard output of a shell command; what it says on standard error is dropped.
+inline std::string Shell(const std::string& Command) {
+    std::string Output;
+    FILE* Pipe = popen(("exec 2>/dev/null; " + Command).c_str(), "r");
+    for (int Byte; Pipe && (Byte = std::fgetc(Pipe)) != EOF;) {
+        Output += static_cast<char>(Byte);
+    }
+    if (Pipe) {
+        pclose(Pipe);
+    }
+    return Output;
+}
+
+// The whole file, or an empty text if there is none.
+inline std::string ReadText(const fs::path& Path) {
+    std::ifstream File(Path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(File), {}};
+}
+
+// A program with a working directory of /. What it prints and its exit code go into files of the folder. The destructor
+// ends it if it still runs, so a test that fails leaves nothing behind.
+class CProgram {
 public:
-    // The visible window with exactly that title, once there is one; nothing after that time.
-    static std::optional<CWindow> Find(const std::string& Title, int Seconds);
+    CProgram(const fs::path& Folder, const std::string& Executable, const std::string& Variables) : Folder(Folder) {
+        const std::string Command = "cd /; " + Variables + " ./" + (Folder / Executable).relative_path().string();
+        const std::string Out = Folder.string() + "/output.txt", Code = Folder.string() + "/code.txt";
+        fs::remove(Code);
+        Group = Shell("setsid sh -c '" + Command + " >" + Out + " 2>&1; echo $? >" + Code + "' >/dev/null & echo $!");
+    }
+    ~CProgram() {
+        if (!WaitForEnd(0)) {
+            Shell("kill -KILL -- -" + Group);
+        }
+    }
+    CProgram(const CProgram&) = delete;
+    CProgram& operator=(const CProgram&) = delete;
 
-    // What it shows; empty if the window is gone.
-    CPixels Picture() const;
+    // The exit code, or 128 plus the signal's number; nothing if it still runs after that time.
+    std::optional<int> WaitForEnd(double Seconds) const {
+        for (; ReadText(Folder / "code.txt").empty() && Seconds > 0; Seconds -= 0.05) {
+            Wait(0.05);
+        }
+        const std::string Code = ReadText(Folder / "code.txt");
+        return Code.empty() ? std::nullopt : std::optional(std::atoi(Code.c_str()));
+    }
+    bool IsRunning() const { return !WaitForEnd(0); }
 
-    void Focus() const;
-
-    // As a click on its close button: asks the program to end.
-    void Close() const;
-
-    const std::string& GetId() const { return Id; }
+    // What it has written so far.
+    std::string Output() const { return ReadText(Folder / "output.txt"); }
 
 private:
-    explicit CWindow(std::string Id) : Id(std::move(Id)) {}
-    std::string Id;
+    fs::path Folder;
+    std::string Group; // of processes
 };
 
+// The visible window with exactly that title, once there is one; empty after that time.
+inline std::string FindWindow(const std::string& Title, int Seconds) {
+    const std::string Id = Shell("timeout " + std::to_string(Seconds) +
+                                 " xdotool search --sync --onlyvisible --name '^" + Title + "$' | head -n 1");
+    return Id.substr(0, Id.find('\n'));
+}
+
+// What a window shows; empty if it is gone.
+inline CPixels PictureOf(const std::string& Window) {
+    const std::string Bytes = Shell("import -window " + Window + " -depth 8 rgb:-");
+    return {Bytes.begin(), Bytes.end()};
+}
+
 // Keys by X's names, as "w" or "Escape", go to the window with the focus.
-void HoldKey(const std::string& Key, double Seconds);
+inline void HoldKey(const std::string& Key, double Seconds) {
+    Shell("xdotool keydown " + Key);
+    Wait(Seconds);
+    Shell("xdotool keyup " + Key);
+}
 
 // Moves the mouse as a hand does, in small steps.
-void MoveMouse(int X, int Y, int Steps);
-
-void Wait(double Seconds);
+inline void MoveMouse(int X, int Y, int Steps) {
+    for (int i = 0; i < Steps; ++i) {
+        Shell("xdotool mousemove_relative -- " + std::to_string(X) + " " + std::to_string(Y));
+        Wait(0.02);
+    }
+}
 
 // The mean difference of a channel, 0 to 255. Pictures of different size differ by 255.
-double MeanDifference(const CPixels& A, const CPixels& B);
+inline double MeanDifference(const CPixels& A, const CPixels& B) {
+    double Sum = A.size() != B.size() || A.empty() ? INFINITY : 0.0;
+    for (std::size_t i = 0; i < A.size() && i < B.size(); ++i) {
+        Sum += std::abs(A[i] - B[i]);
+    }
+    return std::min(255.0, Sum / static_cast<double>(A.size()));
+}
 
 // How many different colours there are in it.
-std::size_t CountColors(const CPixels& Pixels);
+inline std::size_t CountColors(const CPixels& Pixels) {
+    std::set<std::uint32_t> Colors;
+    for (std::size_t i = 0; i + 2 < Pixels.size(); i += 3) {
+        Colors.insert(Pixels[i] << 16 | Pixels[i + 1] << 8 | Pixels[i + 2]);
+    }
+    return Colors.size();
+}

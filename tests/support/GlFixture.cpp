@@ -4,13 +4,8 @@
 #include <IL/il.h>
 #include <IL/ilu.h>
 #include <SDL/SDL.h>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
-#include "foundation/Maths.h"
 #include "foundation/Screen.h"
-#include "platform/Platform.h"
 
 namespace {
 
@@ -51,13 +46,13 @@ void GlFixture::SetUp() {
     }
     // The directory comes first: a case whose context fails must not write where the program was started.
     const char* Given = std::getenv(DIR_VARIABLE);
-    std::string Dir = Given ? Given : (std::filesystem::temp_directory_path() / "sloperush-test-XXXXXX").string();
+    std::string Dir = Given ? Given : (fs::temp_directory_path() / "sloperush-test-XXXXXX").string();
     ASSERT_TRUE(Given || mkdtemp(Dir.data()));
     setenv(DIR_VARIABLE, Dir.c_str(), 1);
-    StartDir = std::filesystem::current_path();
-    std::filesystem::current_path(Dir);
-    std::filesystem::create_directories("Data/Shaders");
-    std::filesystem::create_directories("Data/Textures");
+    StartDir = fs::current_path();
+    fs::current_path(Dir);
+    fs::create_directories("Data/Shaders");
+    fs::create_directories("Data/Textures");
 
     static const bool Opened = OpenWindow();
     ASSERT_TRUE(Opened) << SDL_GetError();
@@ -69,11 +64,13 @@ void GlFixture::SetUp() {
     M_Mat4RotationX(GWorldMatrix, 0.0f);
     GViewMatrix = GProjectionMatrix = GWorldMatrix;
     GCamera = CameraState();
+    Start();
 }
 
 // Not reached in a death test's process, which leaves the directory to the one that made it.
 void GlFixture::TearDown() {
     if (Ready) {
+        Finish();
         EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
         glBindFramebuffer(GL_FRAMEBUFFER, 0);
         glUseProgram(0);
@@ -81,21 +78,11 @@ void GlFixture::TearDown() {
         PlatformRestore();
     }
     if (!StartDir.empty()) {
-        const std::filesystem::path Dir = std::filesystem::current_path();
-        std::filesystem::current_path(StartDir);
-        std::filesystem::remove_all(Dir);
+        const fs::path Dir = fs::current_path();
+        fs::current_path(StartDir);
+        fs::remove_all(Dir);
         unsetenv(DIR_VARIABLE);
     }
-}
-
-void GlFixture::WriteText(const std::string& Path, const std::string& Text) {
-    std::filesystem::create_directories(std::filesystem::absolute(Path).parent_path());
-    std::ofstream(Path, std::ios::binary) << Text;
-}
-
-std::string GlFixture::ReadText(const std::string& Path) {
-    std::ifstream File(Path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(File), {}};
 }
 
 void GlFixture::WriteShaders(const std::string& VertexName, const std::string& VertexText, const std::string& PixelName,

@@ -3,16 +3,12 @@
 //
 // The window is made once per process. Every case begins with that state, identity matrices, neither program nor
 // target bound, and the empty folders Data/Shaders and Data/Textures in a directory that goes behind the case. Without
-// a display the cases are skipped; with one that gives no context they fail. A derived SetUp goes on, and a derived
-// TearDown tidies up, only if Ready. Fatal errors print on standard error. Death tests run in a process with a context
-// of its own but in the same directory: files made before one are there, and so is its error.log behind it.
+// a display the cases are skipped; with one that gives no context they fail. Start and Finish are for derived fixtures
+// and run only where there is a context. Fatal errors print on standard error. Death tests run in a process with a
+// context of its own but in the same directory: files made before one are there, and so is its error.log behind it.
 #pragma once
 
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
-
-#include "foundation/Types.h"
+#include "support/Common.h"
 
 struct SRgb {
     int R = 0, G = 0, B = 0;
@@ -34,11 +30,9 @@ class GlFixture : public ::testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
+    virtual void Start() {}
+    virtual void Finish() {}
     bool Ready = false;
-
-    // Missing folders of the path are made.
-    static void WriteText(const std::string& Path, const std::string& Text);
-    static std::string ReadText(const std::string& Path);
 
     // Data/Shaders/<VertexName>.vsh and <PixelName>.psh.
     static void WriteShaders(const std::string& VertexName, const std::string& VertexText, const std::string& PixelName,
@@ -58,7 +52,3 @@ protected:
 private:
     std::string StartDir; // empty if the case has no directory
 };
-
-// What exit(0xBADDC0DE) comes out as.
-constexpr int FATAL_EXIT_STATUS = 222;
-#define EXPECT_FATAL(Statement, Text) EXPECT_EXIT(Statement, ::testing::ExitedWithCode(FATAL_EXIT_STATUS), Text)

@@ -2,9 +2,6 @@
 
 #include <IL/il.h>
 #include <IL/ilu.h>
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
 #include <numeric>
 
 namespace {
@@ -22,6 +19,11 @@ SPicture Difference(const SPicture& A, const SPicture& B, int Gain) {
 }
 
 } // namespace
+
+double MeanDifference(const SPicture& A, const SPicture& B) {
+    const FBytes Apart = Difference(A, B, 1).Rgb;
+    return Apart.empty() ? 256 : std::accumulate(Apart.begin(), Apart.end(), 0.0) / static_cast<double>(Apart.size());
+}
 
 SGoldenPlace DefaultGoldenPlace() {
     const char* Renew = std::getenv("SLOPERUSH_RENEW_GOLDEN");
@@ -44,8 +46,8 @@ SPicture Shrunk(const SPicture& Big) {
 }
 
 bool WritePng(const std::string& Path, const SPicture& Picture) {
-    std::filesystem::create_directories(std::filesystem::path(Path).parent_path());
-    std::filesystem::remove(Path);
+    fs::create_directories(fs::path(Path).parent_path());
+    fs::remove(Path);
     ilBindImage(0);
     UINT8* Pixels = const_cast<UINT8*>(Picture.Rgb.data());
     return Pixels && ilTexImage(Picture.Width, Picture.Height, 1, 3, IL_RGB, IL_UNSIGNED_BYTE, Pixels) &&
@@ -70,9 +72,8 @@ SPicture ReadPng(const std::string& Path) {
         return ::testing::AssertionResult(WritePng(Golden, Actual)) << Golden;
     }
     const SPicture Expected = ReadPng(Golden);
-    const std::vector<UINT8> Apart = Difference(Actual, Expected, 1).Rgb;
-    const double Mean = std::accumulate(Apart.begin(), Apart.end(), 0.0) / static_cast<double>(Apart.size());
-    if (!Apart.empty() && Mean <= MaxMeanDifference) {
+    const double Mean = MeanDifference(Actual, Expected);
+    if (Mean <= MaxMeanDifference) {
         return ::testing::AssertionSuccess();
     }
     const std::string Stored = Place.Failures + "/" + Name;

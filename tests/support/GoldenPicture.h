@@ -19,6 +19,9 @@ SGoldenPlace DefaultGoldenPlace();
 ::testing::AssertionResult MatchesGolden(const SPicture& Actual, const std::string& Name, double MaxMeanDifference,
                                          const SGoldenPlace& Place = DefaultGoldenPlace());
 
+// Of a channel, 0 to 255; more for pictures of different size or none.
+double MeanDifference(const SPicture& A, const SPicture& B);
+
 // Means of blocks of 4 by 4 pixels, so that a kept picture is small.
 SPicture Shrunk(const SPicture& Big);
 

@@ -15,19 +15,10 @@ void* operator new(std::size_t Size) {
     }
     std::abort();
 }
-void* operator new[](std::size_t Size) {
-    return operator new(Size);
-}
 void operator delete(void* Memory) noexcept {
     std::free(Memory);
 }
 void operator delete(void* Memory, std::size_t) noexcept {
-    std::free(Memory);
-}
-void operator delete[](void* Memory) noexcept {
-    std::free(Memory);
-}
-void operator delete[](void* Memory, std::size_t) noexcept {
     std::free(Memory);
 }
 

@@ -3,9 +3,6 @@
 #include "world/FPSCameraEntity.h"
 #include "world/LevelFixture.h"
 
-#include <array>
-#include <cmath>
-
 namespace {
 
 constexpr float PI = 3.14159265f;
@@ -18,12 +15,6 @@ protected:
     CFPSCameraEntity& Camera() {
         CLevel& Level = LoadText("WLMF\n" + FlatGround(GROUND) + "entity FPSCamera _POS=0;0;151 ZAngle=1.5707964\n");
         return static_cast<CFPSCameraEntity&>(*Level.Entities[0]);
-    }
-
-    static void Steps(int Count) {
-        for (int i = 0; i < Count; ++i) {
-            GLevel->Update(STEP);
-        }
     }
 
     // One step with the mouse moved by so many pixels.
@@ -78,11 +69,8 @@ TEST_F(FPSCamera, KeysMoveItAlongAndAcrossItsViewAndShiftDoubles) {
     const float Way = WayWithKeys({SDLK_w}).x;
     EXPECT_GT(Way, 32) << "damping takes a part of each step";
     EXPECT_LT(Way, 40) << "60 units a second, four physics seconds in one of the game";
-    ExpectNear(WayWithKeys({SDLK_w, SDLK_RSHIFT}), {Way, 0, 0}, 0.01f);
-    ExpectNear(WayWithKeys({SDLK_s}), {-Way, 0, 0}, 0.01f);
-    ExpectNear(WayWithKeys({SDLK_a}), {0, -Way, 0}, 0.01f);
+    ExpectNear(WayWithKeys({SDLK_s, SDLK_a, SDLK_RSHIFT}), {-Way, -Way, 0}, 0.01f);
     ExpectNear(WayWithKeys({SDLK_w, SDLK_d}), {Way, Way, 0}, 0.01f);
-    ExpectNear(WayWithKeys({SDLK_a, SDLK_d}), {}, 1e-3f);
     ExpectNear(WayWithKeys({SDLK_w, SDLK_LSHIFT}), {2 * Way, 0, 0}, 0.02f);
     ExpectNear(GCamera.Target - GCamera.Eye, {2, 0, 0}, 1e-3f);
     ExpectNear(GCamera.Up, {0, 0, 4}, 1e-3f);
@@ -107,29 +95,24 @@ TEST_F(FPSCamera, GroundStopsIt) {
     const CFPSCameraEntity& Entity = Camera();
     MoveMouse(0, 1000);
     GKeys[SDLK_w] = 1;
-    float Lowest = Entity.Position.z;
     for (int i = 0; i < 180; ++i) {
         Steps(1);
-        Lowest = std::min(Lowest, Entity.Position.z);
+        EXPECT_GT(Entity.Position.z, STAND - 2.5f);
     }
-    EXPECT_NEAR(Entity.Position.z, STAND, 2.0f);
-    EXPECT_GT(Lowest, STAND - 2.5f);
-    EXPECT_NEAR(GCamera.Eye.z, Entity.Position.z, 1e-4f);
+    EXPECT_NEAR(GCamera.Eye.z, STAND, 2.0f);
 }
 
 TEST_F(FPSCamera, SerializesItsAnglesBehindThePosition) {
     CFPSCameraEntity& Entity = Camera();
     GArray<UINT8> Bytes;
-    Bytes.Resize(20);
-    for (int i = 0; i < 20; ++i) {
-        Bytes[i] = i % 4 ? 0 : std::array<UINT8, 5>{0x41, 0x42, 0x43, 0x40, 0x3F}[i / 4];
+    for (const UINT8 Top : {0x41, 0x42, 0x43, 0x40, 0x3F}) {
+        Bytes.Add(Top);
+        Bytes.Resize(Bytes.count + 3);
     }
     FByteReader Reader(Bytes);
     Entity.Serialize(Reader);
     EXPECT_EQ(Entity.Position, Vec3({8, 32, 128}));
-    EXPECT_EQ(Entity.XYAngle, 2);
-    EXPECT_EQ(Entity.ZAngle, 0.5f);
-    EXPECT_TRUE(Reader.AtEnd());
+    EXPECT_TRUE(Entity.XYAngle == 2 && Entity.ZAngle == 0.5f && Reader.AtEnd());
 }
 
 } // namespace

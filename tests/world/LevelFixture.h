@@ -10,36 +10,24 @@
 #include "graphics/TextureStorage.h"
 #include "input/Input.h"
 #include "physics/Physics.h"
-#include "support/GlFixture.h"
+#include "support/GoldenPicture.h"
 #include "world/GameLevel.h"
 
 #include <btBulletDynamicsCommon.h>
-#include <filesystem>
 #include <memory>
-
-inline void ExpectNear(const Vec3& A, const Vec3& B, float Tolerance) {
-    EXPECT_LE(M_Length(A - B), Tolerance)
-        << A.x << ' ' << A.y << ' ' << A.z << " but not " << B.x << ' ' << B.y << ' ' << B.z;
-}
 
 class LevelFixture : public GlFixture {
 protected:
     static constexpr float STEP = 1.0f / 60;
 
-    void SetUp() override {
-        GlFixture::SetUp();
-        if (IsSkipped() || HasFatalFailure()) {
-            return;
-        }
-        ASSERT_TRUE(std::filesystem::exists(SLOPERUSH_DATA_DIR "/Levels/Level1.wlm")) << "build the target data first";
-        for (const auto& Entry : std::filesystem::directory_iterator(SLOPERUSH_DATA_DIR)) {
-            const std::filesystem::path Here = "Data" / Entry.path().filename();
+    void Start() override {
+        for (const auto& Entry : fs::directory_iterator(SLOPERUSH_DATA_DIR)) {
+            const fs::path Here = "Data" / Entry.path().filename();
             if (Here.filename() == "Levels") {
-                using enum std::filesystem::copy_options;
-                std::filesystem::copy(Entry, Here, recursive | skip_existing);
+                fs::copy(Entry, Here, fs::copy_options::recursive | fs::copy_options::skip_existing);
             } else {
-                std::filesystem::remove(Here);
-                std::filesystem::create_directory_symlink(Entry, Here);
+                fs::remove(Here);
+                fs::create_directory_symlink(Entry, Here);
             }
         }
         InputReset();
@@ -48,16 +36,13 @@ protected:
         PhyInit();
     }
 
-    void TearDown() override {
+    void Finish() override {
         DropLevel();
-        if (GPhyWorld) {
-            EXPECT_EQ(GPhyWorld->getNumCollisionObjects(), 0);
-            EXPECT_EQ(GTextureByName.root, nullptr);
-            PhyFree();
-            glUseProgram(0);
-            ShaderLibFree();
-        }
-        GlFixture::TearDown();
+        EXPECT_EQ(GPhyWorld->getNumCollisionObjects(), 0);
+        EXPECT_EQ(GTextureByName.root, nullptr);
+        PhyFree();
+        glUseProgram(0);
+        ShaderLibFree();
     }
 
     static CLevel& LoadLevel(const std::string& Path) {
@@ -77,12 +62,35 @@ protected:
         GLevel = nullptr;
     }
 
+    static void Steps(int Count) {
+        for (int i = 0; i < Count; ++i) {
+            GLevel->Update(STEP);
+        }
+    }
+
+    static void LookFrom(const Vec3& Eye, const Vec3& Target, const Vec3& Up = {0, 0, 1}) {
+        GCamera = CameraState();
+        GCamera.Eye = GLodCameraPos = Eye;
+        GCamera.Target = Target;
+        GCamera.Up = Up;
+    }
+
+    // The level as the camera sees it, made small.
+    static SPicture Drawn() {
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        GLevel->Render(1.0f);
+        return Shrunk(ReadWindow());
+    }
+
     // A level line for level ground of 400 by 400 at the given height, of which 255 is the most.
     static std::string FlatGround(UINT8 Height) {
         constexpr int SIDE = 33;
-        WriteTga("Data/Levels/Flat.tga", SIDE, SIDE, 1, std::vector<UINT8>(SIDE * SIDE, Height));
-        const std::string Picture = "Data/Levels/Flat.tga ";
-        WriteText("Data/Levels/Flat.ter", Picture + Picture + Picture + Picture + Picture);
+        WriteTga("Data/Levels/Flat.tga", SIDE, SIDE, 1, FBytes(SIDE * SIDE, Height));
+        std::string Words;
+        for (int i = 0; i < 5; ++i) {
+            Words += "Data/Levels/Flat.tga ";
+        }
+        WriteText("Data/Levels/Flat.ter", Words);
         return "terrain file=Data/Levels/Flat.ter sx=200 sy=200 sz=255\n";
     }
 };

@@ -1,8 +1,6 @@
 // The sun: where it stands, what it tells the shaders, and the matrix of its shadow map.
 #include "world/LevelFixture.h"
 
-#include <cmath>
-
 namespace {
 
 constexpr double PI = 3.14159265358979;
@@ -23,13 +21,10 @@ Vec3 TurnedByGravity(const Vec3& v, double Angle, double Pitch) {
 
 class Sun : public LevelFixture {
 protected:
-    void SetUp() override {
-        LevelFixture::SetUp();
-        if (GPhyWorld) {
-            LoadText("WLMF\nscene lda=0.7 ldp=1.1 cldst=800 cldam=0.25 lcr=0.9\n");
-            GCamera.Eye = {100, -200, 300};
-            GCamera.Target = {0, 0, 0};
-        }
+    void Start() override {
+        LevelFixture::Start();
+        LoadText("WLMF\nscene lda=0.7 ldp=1.1 cldst=800 cldam=0.25 lcr=0.9\n");
+        LookFrom({100, -200, 300}, {0, 0, 0});
     }
 
     // For a number of angles of the sun under no, one and another tilt of gravity.
@@ -53,7 +48,6 @@ protected:
 };
 
 TEST_F(Sun, StandsWhereItsAnglesSayAndTurnsWithGravity) {
-    ExpectNear(GLevel->SunDirection(), Spherical(0.7, 1.1), 1e-6f);
     ForAllAngles([] {
         const SLevelParams& P = GLevel->Params;
         const Vec3 Plain = Spherical(P.LightDir_Angle, P.LightDir_Pitch);
@@ -74,10 +68,7 @@ TEST_F(Sun, LightGoesToTheShadersAndTheCameraStays) {
     EXPECT_EQ(GAmbientColor, Vec3({0.1f, 0.15f, 0.2f}));
     EXPECT_EQ(GShadowTexture, GLevel->ShadowRT.DepthTex);
     EXPECT_NE(GShadowTexture, 0u);
-    EXPECT_EQ(GCamera.Eye, Before.Eye);
-    EXPECT_EQ(GCamera.Target, Before.Target);
-    EXPECT_EQ(GCamera.Fov, Before.Fov);
-    EXPECT_EQ(GCamera.Far, Before.Far);
+    EXPECT_EQ(std::memcmp(&GCamera, &Before, sizeof(CameraState)), 0);
 }
 
 TEST_F(Sun, ShadowMapFollowsTheEyeAndCoversAThousandUnits) {

@@ -1,11 +1,30 @@
-#include <vector>
+// Bodies and contacts, each case in a world of its own.
+#include "physics/Physics.h"
+#include "support/Common.h"
 
-#include "physics/PhysicsFixture.h"
+#include <btBulletDynamicsCommon.h>
 
 namespace {
 
-class BodyTest : public PhysicsFixture {
+constexpr float STEP = 1.0f / 60.0f; // seconds, a fixed step of the game
+
+class PhysicsTest : public testing::Test {
 protected:
+    PhysicsTest() { PhyInit(); }
+    ~PhysicsTest() override {
+        EXPECT_EQ(GPhyWorld->getNumCollisionObjects(), 0);
+        GPhyCallbacks.Clear();
+        PhyFree();
+        PhyFree();
+        EXPECT_EQ(GPhyWorld, nullptr);
+    }
+
+    // Under no gravity until the case says so.
+    static btRigidBody* AddBall(float x, float y, float z) {
+        btRigidBody* Ball = PhyAddCapsuleBody(10, 0, x, y, z, true);
+        Ball->setGravity(btVector3(0, 0, 0));
+        return Ball;
+    }
     static void ExpectNear(const btVector3& Actual, const btVector3& Expected, float Tolerance = 1e-5f) {
         EXPECT_LE((Actual - Expected).length(), Tolerance) << Actual.x() << " " << Actual.y() << " " << Actual.z();
     }
@@ -21,9 +40,7 @@ protected:
     }
 };
 
-} // namespace
-
-TEST_F(BodyTest, FallsByFourSubstepsOfTheGivenTime) {
+TEST_F(PhysicsTest, ABallFallsByFourSubstepsOfTheGivenTime) {
     constexpr float GRAVITY = 9.0f;
     constexpr int SUBSTEPS = 120;
     btRigidBody* Ball = AddBall(0, 0, 1000);
@@ -37,7 +54,7 @@ TEST_F(BodyTest, FallsByFourSubstepsOfTheGivenTime) {
     PhyRemoveBody(Ball);
 }
 
-TEST_F(BodyTest, CapsulesStandUprightAndOnlyDynamicOnesMove) {
+TEST_F(PhysicsTest, CapsulesStandUprightAndOnlyDynamicOnesMove) {
     EXPECT_EQ(PhyAddCapsuleBody(10, -1, 0, 0, 0, true), nullptr);
     for (int i = 0; i < 4; i++) {
         const bool Dynamic = i & 1;
@@ -55,7 +72,7 @@ TEST_F(BodyTest, CapsulesStandUprightAndOnlyDynamicOnesMove) {
     }
 }
 
-TEST_F(BodyTest, HullKeepsItsPointsWhereTheyWereWhateverItsOrigin) {
+TEST_F(PhysicsTest, AHullKeepsItsPointsWhereTheyWereWhateverItsOrigin) {
     std::vector<Vec3> Points = BoxCorners(-25);
     // A ninth point pulls the centroid off the middle of the box.
     Points.push_back({0, 0, 20});
@@ -76,9 +93,8 @@ TEST_F(BodyTest, HullKeepsItsPointsWhereTheyWereWhateverItsOrigin) {
     }
 }
 
-TEST_F(BodyTest, MassIsThatOfASolidBoxAndPositionKeepsTheRotation) {
-    const std::vector<Vec3> Points = BoxCorners(0);
-    btRigidBody* Body = PhyAddHullBody(nullptr, Points.data(), 8);
+TEST_F(PhysicsTest, MassIsThatOfASolidBoxAndPositionKeepsTheRotation) {
+    btRigidBody* Body = PhyAddHullBody(nullptr, BoxCorners(0).data(), 8);
     ExpectNear(Body->getInvInertiaDiagLocal(), btVector3(0, 0, 0), 0);
     for (const float Scale : {1.0f, 10.0f}) {
         PhySetMass(70, Scale, Body);
@@ -99,3 +115,88 @@ TEST_F(BodyTest, MassIsThatOfASolidBoxAndPositionKeepsTheRotation) {
     EXPECT_TRUE(Body->isActive());
     PhyRemoveBody(Body);
 }
+
+// Counts what it hears.
+class CListener : public PhyContactCallback {
+public:
+    bool ContactAdded(btManifoldPoint&, const btCollisionObject*, int, int, const btCollisionObject*, int,
+                      int) override {
+        Added++;
+        if (LeavesWhenHit) {
+            GPhyCallbacks.Unlink(GPhyCallbacks.first);
+        }
+        return Answer;
+    }
+    bool ContactFound(btManifoldPoint&, btCollisionObject* Body0, btCollisionObject* Body1) override {
+        Found += Body0 != Body1 && (Body0 == Body || Body1 == Body);
+        return Answer;
+    }
+
+    int Added = 0, Found = 0;
+    bool Answer = false, LeavesWhenHit = false;
+};
+
+// A ball that overlaps a pole, and one that touches nothing.
+class ContactTest : public PhysicsTest {
+protected:
+    ContactTest() {
+        OnPole.Body = PhyAddCapsuleBody(10, 100, 0, 0, 0, false);
+        OnBall.Body = AddBall(19, 0, 0);
+        OnLonely.Body = AddBall(500, 0, 0);
+        for (CListener* Listener : {&OnBall, &OnPole, &OnLonely}) {
+            GPhyCallbacks.Append(Listener);
+        }
+    }
+    ~ContactTest() override {
+        for (const CListener* Listener : {&OnBall, &OnPole, &OnLonely}) {
+            PhyRemoveBody(Listener->Body);
+        }
+    }
+    // The two meet anew.
+    void Step(bool WithFlag) {
+        PhyRemoveBody(OnBall.Body);
+        OnBall.Body = AddBall(19, 0, 0);
+        OnBall.Body->setCollisionFlags(WithFlag ? btCollisionObject::CF_CUSTOM_MATERIAL_CALLBACK : 0);
+        PhyStep(STEP);
+    }
+
+    CListener OnBall, OnPole, OnLonely;
+};
+
+TEST_F(ContactTest, ReachesTheListenersOfBothBodiesOnlyWithTheFlagUntilOneAnswersTrue) {
+    Step(false);
+    EXPECT_EQ(OnBall.Added + OnPole.Added, 0);
+    Step(true);
+    EXPECT_GT(OnBall.Added, 0);
+    EXPECT_EQ(OnPole.Added, OnBall.Added);
+    EXPECT_EQ(OnLonely.Added, 0);
+    const int Before = OnBall.Added;
+    OnBall.Answer = true;
+    Step(true);
+    EXPECT_GT(OnBall.Added, Before);
+    EXPECT_EQ(OnPole.Added, Before);
+}
+
+TEST_F(ContactTest, AListenerMayLeaveWhileItIsCalled) {
+    OnBall.LeavesWhenHit = true;
+    Step(true);
+    EXPECT_EQ(OnBall.Added, 1);
+    EXPECT_GT(OnPole.Added, 0);
+}
+
+TEST_F(ContactTest, WalkGoesOverAllPointsAndARemovedBodyLeavesNone) {
+    Step(false);
+    ASSERT_EQ(GPhyDispatcher->getNumManifolds(), 1);
+    const int Points = GPhyDispatcher->getManifoldByIndexInternal(0)->getNumContacts();
+    EXPECT_EQ(PhyForEachContact(OnPole.Body, &OnPole), 0);
+    EXPECT_EQ(OnPole.Found, Points);
+    OnBall.Answer = true;
+    EXPECT_EQ(PhyForEachContact(OnBall.Body, &OnBall), 1);
+    EXPECT_EQ(OnBall.Found, 1);
+    EXPECT_EQ(PhyForEachContact(OnLonely.Body, &OnLonely), 0);
+    PhyRemoveBody(OnBall.Body);
+    EXPECT_EQ(GPhyDispatcher->getNumManifolds(), 0);
+    OnBall.Body = AddBall(0, 500, 0);
+}
+
+} // namespace
