@@ -5,10 +5,5 @@
 
 bool MakeMusic(const char*, const char* File) {
     SSong Song;
-    if (!ReadScore(RUSH, Song)) {
-        return false;
-    }
-    SStereo Sound(Song.Steps * Song.StepSamples);
-    PlaySong(Song, Sound);
-    return SaveVorbis(Sound, File);
+    return ReadScore(RUSH, Song) && SaveVorbis(PlaySong(Song), File);
 }

@@ -96,7 +96,7 @@ void PlayBell(const SPlayedNote& Note, SStereo& Out) {
 // out of it and delays it by as much of a sample as the mix has of the older one.
 void PlayString(const SPlayedNote& Note, SStereo& Out) {
     constexpr SEnvelope LOUD = {0.001f, 1.0f, 1.0f, 0.25f};
-    constexpr float OLDER = 0.4f;
+    constexpr float OLDER = 0.3f;
     const float Wave = RATE / Note.Hertz - OLDER;
     const INT32 Size = static_cast<INT32>(Wave) + 2;
     CLoop Line(Size);

@@ -44,6 +44,8 @@ constexpr float DUCK_RECOVERS = 0.13f; // seconds
 constexpr float ECHO_FEEDBACK = 0.38f;
 constexpr INT32 ECHO_STEPS = 3;
 constexpr float HALL_SECONDS = 1.9f;
+constexpr float HALL_GAIN = 0.46f;
+constexpr float ECHO_IN_HALL = 0.3f;
 constexpr float DRIVE = -2.6f;        // decibels from the sum of the parts to the finished piece
 constexpr float LOWEST = 30.0f;       // hertz
 constexpr float HALL_LOWEST = 220.0f; // a hall that booms takes the beat away
@@ -88,8 +90,8 @@ float LoudnessWhilePlaying(const SStereo& Sound) {
 }
 
 // What is left of a part that ducks fully: nothing on the beat of the bass drum, then soon all.
-CLoop DuckCurve(const SSong& Song, INT32 Length) {
-    CLoop Curve(Length);
+CLoop DuckCurve(const SSong& Song) {
+    CLoop Curve(Song.Length());
     for (const SNote& Kick : Song.Parts[PART_KICK]) {
         const INT32 Start = Kick.Step * Song.StepSamples;
         for (INT32 i = 0; i < SecondsToSamples(DUCK_RECOVERS * 4); ++i) {
@@ -106,10 +108,22 @@ void Place(SStereo& Sound, float Gain, float Pan) {
     Sound.Right.Scale(Gain * (Pan < 0 ? 1 + Pan : 1));
 }
 
-void Duck(SStereo& Sound, const CLoop& Curve, float Amount) {
-    for (INT32 i = 0; i < Sound.Length(); ++i) {
-        Sound.Left[i] *= 1 - Amount * Curve[i];
-        Sound.Right[i] *= 1 - Amount * Curve[i];
+// What is mixed: the parts, and what the hall and the echoes hear of them.
+struct SBuses {
+    explicit SBuses(INT32 Length) : Dry(Length), Hall(Length), Echoes(Length) {}
+    SStereo Dry, Hall, Echoes;
+};
+
+void AddPart(const SStereo& Part, const SChannel& Channel, const CLoop& Curve, SBuses& Buses) {
+    for (INT32 i = 0; i < Part.Length(); ++i) {
+        const float Gain = 1 - Channel.Duck * Curve[i];
+        const float Left = Part.Left[i] * Gain, Right = Part.Right[i] * Gain;
+        Buses.Dry.Left[i] += Left;
+        Buses.Dry.Right[i] += Right;
+        Buses.Hall.Left[i] += Left * Channel.Hall;
+        Buses.Hall.Right[i] += Right * Channel.Hall;
+        Buses.Echoes.Left[i] += Left * Channel.Echo;
+        Buses.Echoes.Right[i] += Right * Channel.Echo;
     }
 }
 
@@ -131,26 +145,22 @@ void PlayPart(const SSong& Song, EPart Part, SStereo& Out) {
     }
 }
 
-void PlaySong(const SSong& Song, SStereo& Out) {
-    SStereo Part(Out.Length()), Hall(Out.Length()), Echoes(Out.Length());
-    const CLoop Curve = DuckCurve(Song, Out.Length());
+SStereo PlaySong(const SSong& Song) {
+    SBuses Buses(Song.Length());
+    SStereo Part(Song.Length());
+    const CLoop Curve = DuckCurve(Song);
     for (INT32 i = 0; i < PART_COUNT; ++i) {
-        const SChannel& Channel = BAND[i];
         PlayPart(Song, static_cast<EPart>(i), Part);
-        if (Channel.Duck > 0) {
-            Duck(Part, Curve, Channel.Duck);
-        }
-        Out.Add(Part, 1);
-        Hall.Add(Part, Channel.Hall);
-        Echoes.Add(Part, Channel.Echo);
+        AddPart(Part, BAND[i], Curve, Buses);
     }
-    Echo(Echoes, ECHO_STEPS * Song.StepSamples, ECHO_FEEDBACK);
-    Hall.Add(Echoes, 0.3f);
-    CutLow(Hall, HALL_LOWEST);
-    Reverb(Hall, HALL_SECONDS);
-    Out.Add(Echoes, 1);
-    Out.Add(Hall, 0.46f);
-    CutLow(Out, LOWEST);
-    Place(Out, DecibelsToGain(DRIVE), 0);
-    Limit(Out, DecibelsToGain(PEAK));
+    Echo(Buses.Echoes, ECHO_STEPS * Song.StepSamples, ECHO_FEEDBACK);
+    Buses.Hall.Add(Buses.Echoes, ECHO_IN_HALL);
+    CutLow(Buses.Hall, HALL_LOWEST);
+    Reverb(Buses.Hall, HALL_SECONDS);
+    Buses.Dry.Add(Buses.Echoes, 1);
+    Buses.Dry.Add(Buses.Hall, HALL_GAIN);
+    CutLow(Buses.Dry, LOWEST);
+    Place(Buses.Dry, DecibelsToGain(DRIVE), 0);
+    Limit(Buses.Dry, DecibelsToGain(PEAK));
+    return Buses.Dry;
 }

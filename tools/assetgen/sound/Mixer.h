@@ -11,6 +11,6 @@
 void PlayPart(const SSong& Song, EPart Part, SStereo& Out);
 
 // All parts, finished: no peak is above PEAK, the loop is closed.
-void PlaySong(const SSong& Song, SStereo& Out);
+SStereo PlaySong(const SSong& Song);
 
 constexpr float PEAK = -1.9f; // decibels; coding adds up to one

@@ -92,6 +92,7 @@ struct SNote {
 struct SSong {
     INT32 StepSamples = 0;
     INT32 Steps = 0;
+    INT32 Length() const { return Steps * StepSamples; } // samples
     GArray<SNote> Parts[PART_COUNT];
 };
 
