@@ -32,7 +32,11 @@ struct SSkyParams {
     Vec3 Sun;     // light on snow and clouds
     Vec3 Shade;   // light where the sun does not reach
     float Clouds; // 0 to 1
-    float Peaks;  // height of the highest mountains over the eye
+    Vec3 Cloud = {0.93f, 0.95f, 0.98f};
+    float Deck = 0; // 0 to 1: how closed a sheet of dark cloud is
+    Vec3 DeckColour = {};
+    float Stars = 0; // brightness of the brightest, against white
+    float Peaks;     // height of the highest mountains over the eye
 };
 
 constexpr SSkyParams SKIES[] = {
@@ -48,6 +52,74 @@ constexpr SSkyParams SKIES[] = {
      .Shade = {0.42f, 0.53f, 0.74f},
      .Clouds = 0.55f,
      .Peaks = 5.2f},
+    {.Name = "Noon",
+     .Seed = 19,
+     .SunAngle = 5.3f,
+     .SunPitch = 0.78f,
+     .Zenith = {0.06f, 0.20f, 0.52f},
+     .Middle = {0.22f, 0.47f, 0.82f},
+     .Horizon = {0.64f, 0.79f, 0.94f},
+     .Fog = {0.64f, 0.77f, 0.92f},
+     .Sun = {1.0f, 0.97f, 0.92f},
+     .Shade = {0.44f, 0.55f, 0.76f},
+     .Clouds = 0.25f,
+     .Peaks = 6.0f},
+    {.Name = "Afternoon",
+     .Seed = 31,
+     .SunAngle = 4.15f,
+     .SunPitch = 1.24f,
+     .Zenith = {0.15f, 0.29f, 0.55f},
+     .Middle = {0.52f, 0.60f, 0.72f},
+     .Horizon = {0.96f, 0.78f, 0.55f},
+     .Fog = {0.83f, 0.70f, 0.57f},
+     .Sun = {1.0f, 0.78f, 0.48f},
+     .Shade = {0.40f, 0.42f, 0.60f},
+     .Clouds = 0.7f,
+     .Cloud = {1.0f, 0.86f, 0.70f},
+     .Peaks = 4.2f},
+    {.Name = "Dusk",
+     .Seed = 43,
+     .SunAngle = 5.75f,
+     .SunPitch = 1.34f,
+     .Zenith = {0.05f, 0.07f, 0.22f},
+     .Middle = {0.24f, 0.22f, 0.42f},
+     .Horizon = {0.82f, 0.46f, 0.38f},
+     .Fog = {0.34f, 0.29f, 0.43f},
+     .Sun = {1.0f, 0.56f, 0.34f},
+     .Shade = {0.16f, 0.17f, 0.32f},
+     .Clouds = 0.6f,
+     .Cloud = {0.70f, 0.42f, 0.45f},
+     .Stars = 0.3f,
+     .Peaks = 3.2f},
+    {.Name = "Storm",
+     .Seed = 53,
+     .SunAngle = 4.95f,
+     .SunPitch = 1.26f,
+     .Zenith = {0.18f, 0.21f, 0.27f},
+     .Middle = {0.34f, 0.38f, 0.43f},
+     .Horizon = {0.66f, 0.64f, 0.56f},
+     .Fog = {0.46f, 0.48f, 0.50f},
+     .Sun = {0.95f, 0.85f, 0.62f},
+     .Shade = {0.26f, 0.30f, 0.38f},
+     .Clouds = 0.4f,
+     .Cloud = {0.62f, 0.63f, 0.64f},
+     .Deck = 0.8f,
+     .DeckColour = {0.15f, 0.18f, 0.23f},
+     .Peaks = 4.6f},
+    {.Name = "Night",
+     .Seed = 67,
+     .SunAngle = 4.35f,
+     .SunPitch = 1.22f,
+     .Zenith = {0.010f, 0.018f, 0.055f},
+     .Middle = {0.028f, 0.052f, 0.125f},
+     .Horizon = {0.075f, 0.115f, 0.215f},
+     .Fog = {0.065f, 0.095f, 0.175f},
+     .Sun = {0.55f, 0.62f, 0.76f},
+     .Shade = {0.035f, 0.050f, 0.100f},
+     .Clouds = 0.3f,
+     .Cloud = {0.15f, 0.19f, 0.29f},
+     .Stars = 0.55f,
+     .Peaks = 5.0f},
 };
 
 Vec3 MixColour(const Vec3& A, const Vec3& B, float Part) {
@@ -101,10 +173,27 @@ public:
         return Cover * SmoothStep(0.03f, 0.22f, Dir.z);
     }
 
+    // What the lower sheet of cloud does to Colour: light where it is thin, dark where it is thick, and a bright gap
+    // left over the horizon.
+    Vec3 WithDeck(const Vec3& Colour, const Vec3& Dir) const {
+        if (Params.Deck <= 0 || Dir.z <= 0.01f) {
+            return Colour;
+        }
+        const float Sheet = 1.0f / (Dir.z + 0.16f);
+        const float x = Dir.x * Sheet;
+        const float y = Dir.y * Sheet;
+        const float Warp = NoiseFbm(x * 0.9f, y * 0.9f, 4, Params.Seed + 330);
+        const float Field = NoiseFbm(x * 1.1f + 0.8f * Warp, y * 1.1f - 0.6f * Warp, 6, Params.Seed + 340);
+        const float Depth = Field + 2.0f * (Params.Deck - 0.5f);
+        const float Cover = SmoothStep(-0.15f, 0.25f, Depth) * SmoothStep(0.03f, 0.30f, Dir.z);
+        const Vec3 Body = MixColour(Params.Cloud, Params.DeckColour, SmoothStep(0.0f, 1.0f, Depth));
+        return MixColour(Colour, WithGlow(Body, Dir, 0.7f), Cover);
+    }
+
     Vec3 WithClouds(const Vec3& Colour, const Vec3& Dir) const {
         const float Cover = Cirrus(Dir) * Params.Clouds * 1.35f;
-        const Vec3 Lit = WithGlow({0.93f, 0.95f, 0.98f}, Dir, 0.5f);
-        return MixColour(Colour, Lit, std::min(Cover, 0.9f));
+        const Vec3 Lit = WithGlow(Params.Cloud, Dir, 0.5f);
+        return WithDeck(MixColour(Colour, Lit, std::min(Cover, 0.9f)), Dir);
     }
 
     const SSkyParams& Params;
@@ -120,7 +209,7 @@ public:
         const float Massif = 0.62f + 0.75f * NoiseFbm(x * 0.03f, y * 0.03f, 2, Seed + 400);
         const float Crest = NoiseRidged(x * 0.075f, y * 0.075f, Octaves, Seed + 410);
         const float Far = SmoothStep(8.0f, 18.0f, std::sqrt(x * x + y * y));
-        const float Top = Air.Params.Peaks * Far;
+        const float Top = Mix(FLOOR, Air.Params.Peaks, Far);
         return FLOOR + (Top - FLOOR) * Crest * (0.45f + 0.75f * Clamp01(Massif));
     }
 
@@ -240,7 +329,9 @@ private:
     Vec3 Pixel(INT32 x, INT32 y) const {
         const float Elevation = (static_cast<float>(y) + 0.5f) / HEIGHT * PI - PI / 2;
         const Vec3 Dir = Direction((static_cast<float>(x) + 0.5f) / WIDTH * 2 * PI, Elevation);
-        const Vec3 Behind = Dir.z > 0 ? Air.WithClouds(Air.At(Dir), Dir) : Air.At(Dir);
+        const float Star = Stars(x, y);
+        const Vec3 Sky = Air.At(Dir) + Vec3{Star, Star, Star};
+        const Vec3 Behind = Dir.z > 0 ? Air.WithClouds(Sky, Dir) : Sky;
         Vec3 Sum;
         for (INT32 i = 0; i < FINE * FINE; ++i) {
             Sum += Sample(Columns[i / FINE], Elevation, i % FINE, Behind);
@@ -250,6 +341,30 @@ private:
         const float Mist = SmoothStep(-0.055f, -0.165f, Elevation);
         const Vec3 Fog = Air.WithGlow(Air.Params.Fog, Dir, 0.35f * SmoothStep(-0.25f, -0.1f, Elevation));
         return MixColour(Sum, Fog, Mist);
+    }
+
+    // Light of the stars in a pixel: each fills a little more than one, so that it does not flicker.
+    float Stars(INT32 x, INT32 y) const {
+        float Light = 0;
+        for (INT32 Row = y - 1; Air.Params.Stars > 0 && Row <= y + 1; ++Row) {
+            for (INT32 Column = x - 1; Column <= x + 1; ++Column) {
+                const INT32 Around = (Column + WIDTH) % WIDTH;
+                const float Reach = Row == y && Column == x ? 1.0f : Row == y || Column == x ? 0.3f : 0.1f;
+                Light += Reach * Star(Around, Row);
+            }
+        }
+        return Light * Air.Params.Stars;
+    }
+
+    // Brightness of the star that stands in the middle of a pixel, mostly none.
+    float Star(INT32 x, INT32 y) const {
+        constexpr float COMMON = 0.0028f; // part of the pixels at the horizon that has one
+        const float Elevation = static_cast<float>(y) / HEIGHT * PI - PI / 2;
+        if (NoiseCell(x, y, Air.Params.Seed + 350) > COMMON * std::cos(Elevation)) {
+            return 0;
+        }
+        const float Bright = NoiseCell(x, y, Air.Params.Seed + 360);
+        return 0.12f + 0.88f * Bright * Bright * Bright * Bright;
     }
 
     static Vec3 Sample(const CColumn& Column, float Elevation, INT32 Part, const Vec3& Behind) {

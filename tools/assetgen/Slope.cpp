@@ -17,46 +17,122 @@ namespace {
 constexpr INT32 SAMPLES = 257; // a side; the engine wants 2^k + 1
 constexpr INT32 TOP_LEVEL = 255;
 
+// A stretch of the ride, as levels to climb in each of its rows, from its lower end upwards.
+struct SStretch {
+    INT32 Rows;
+    INT32 Steps[16];
+};
+
+// How a ride changes on its way: even ground of one level a row, and between two such pieces a stretch. Two kinds of
+// stretches, the first of them climbs more and the second less than the mean.
+struct SWay {
+    INT32 EvenRows; // at least; up to 4 more by chance
+    SStretch High[2], Low[2];
+};
+
+constexpr SWay ROLLING = {
+    4, {{4, {0, 0, 2, 2}}, {6, {0, 1, 0, 2, 1, 2}}}, {{4, {0, 0, 0, 0}}, {7, {0, 0, 0, 0, 0, 1, 2}}}};
+// Long flats that end in drops: whoever comes fast flies over them.
+constexpr SWay TERRACES = {2,
+                           {{13, {1, 2, 2, 2, 2, 2, 1, 0, 0, 0, 0, 0, 0}}, {9, {1, 2, 2, 2, 2, 0, 0, 0, 0}}},
+                           {{13, {1, 2, 2, 2, 2, 1, 0, 0, 0, 0, 0, 0, 0}}, {10, {2, 2, 2, 0, 0, 0, 0, 0, 0, 0}}}};
+// Short waves, hardly any even ground.
+constexpr SWay WAVES = {
+    1, {{8, {1, 2, 2, 2, 1, 0, 0, 0}}, {6, {2, 2, 0, 0, 1, 2}}}, {{7, {2, 2, 1, 0, 0, 0, 0}}, {5, {2, 0, 0, 0, 0}}}};
+
 struct SSlopeParams {
     const char* Name;
     UINT32 Seed;
-    float RiseRate;    // mean levels a row of the ride
-    INT32 StartRow;    // the ride begins here; behind it the head wall rises
-    float HalfWidth;   // of the ride, in samples
-    float Meander;     // reach of the ride's bends to either side, in samples
-    float Turns;       // bends over the whole length
-    float CrestHeight; // of the flanks over the ride, in levels
-    float Cliffs;      // 0 to 1: how much of the flanks is broken into cliffs and ledges
-    INT32 Knobs;       // rocks beside the ride
+    const SWay& Way = ROLLING;
+    INT32 FirstLevel = 5; // of the ride at its lower end
+    float RiseRate;       // mean levels a row of the ride
+    float HalfWidth;      // of the ride, in samples
+    float Meander;        // reach of the ride's bends to either side, in samples
+    float Turns;          // bends over the whole length
+    float BankWidth = 11; // samples over which the flanks curve up from one level a sample to an even slope
+    float BankCurve = 0.06f;
+    float CrestHeight;        // of the flanks over the ride, in levels
+    float CrestChange = 0.9f; // part of the height by which crests rise and sink
+    float Drop = 0;           // levels that the ground behind the crests lies below the ride
+    float OuterHeight = 0;    // levels over the ride that the ground rises to again, beyond that
+    float Cliffs;             // 0 to 1: how much of the flanks is broken into cliffs and ledges
+    INT32 Knobs;              // rocks beside the ride
 };
 
 constexpr SSlopeParams SLOPES[] = {
+    // A wide bowl.
     {.Name = "Slope1",
      .Seed = 11,
      .RiseRate = 0.72f,
-     .StartRow = 246,
-     .HalfWidth = 13,
-     .Meander = 20,
-     .Turns = 2.6f,
+     .HalfWidth = 21,
+     .Meander = 14,
+     .Turns = 1.9f,
+     .BankWidth = 22,
+     .BankCurve = 0.025f,
      .CrestHeight = 92,
      .Cliffs = 0.8f,
      .Knobs = 30},
+    // A winding gully between high walls.
+    {.Name = "Slope2",
+     .Seed = 23,
+     .RiseRate = 0.70f,
+     .HalfWidth = 12.5f,
+     .Meander = 33,
+     .Turns = 3.3f,
+     .CrestHeight = 96,
+     .Cliffs = 1.0f,
+     .Knobs = 14},
+    // Terraces over which one flies.
+    {.Name = "Slope3",
+     .Seed = 37,
+     .Way = TERRACES,
+     .RiseRate = 0.85f,
+     .HalfWidth = 16,
+     .Meander = 18,
+     .Turns = 2.2f,
+     .BankWidth = 9,
+     .CrestHeight = 70,
+     .Cliffs = 0.6f,
+     .Knobs = 20},
+    // The back of a ridge: low banks, and behind them the ground falls away.
+    {.Name = "Slope4",
+     .Seed = 41,
+     .FirstLevel = 52,
+     .RiseRate = 0.66f,
+     .HalfWidth = 13,
+     .Meander = 24,
+     .Turns = 2.4f,
+     .CrestHeight = 21,
+     .CrestChange = 0.25f,
+     .Drop = 48,
+     .OuterHeight = 60,
+     .Cliffs = 0.5f,
+     .Knobs = 0},
+    // A narrow valley that winds over short waves.
+    {.Name = "Slope5",
+     .Seed = 59,
+     .Way = WAVES,
+     .RiseRate = 0.84f,
+     .HalfWidth = 13,
+     .Meander = 27,
+     .Turns = 4.1f,
+     .CrestHeight = 66,
+     .Cliffs = 0.7f,
+     .Knobs = 26},
+    // Behind the title.
+    {.Name = "Vale",
+     .Seed = 71,
+     .RiseRate = 0.62f,
+     .HalfWidth = 15,
+     .Meander = 30,
+     .Turns = 1.33f,
+     .CrestHeight = 80,
+     .Cliffs = 0.6f,
+     .Knobs = 16},
 };
 
-// A stretch of the ride that is not even, as levels to climb in each of its rows.
-struct SRoller {
-    INT32 Rows;
-    INT32 Steps[8];
-};
-
-// Two that keep the mean and two that lie flat, for a ride whose mean is below one level a row.
-constexpr SRoller FULL_ROLLERS[] = {{4, {0, 0, 2, 2}}, {6, {0, 1, 0, 2, 1, 2}}};
-constexpr SRoller FLAT_ROLLERS[] = {{4, {0, 0, 0, 0}}, {7, {0, 0, 0, 0, 0, 1, 2}}};
-
-// The banks curve up from one level a sample to the flanks' even slope.
-constexpr float BANK_CURVE = 0.06f;
-constexpr float BANK_WIDTH = 11.0f; // samples
-constexpr float FLANK_SLOPE = 1.0f + 2.0f * BANK_CURVE * BANK_WIDTH;
+constexpr INT32 HEAD_ROWS = 11; // behind the start the ride rises two levels a row
+constexpr INT32 FOOT_ROWS = 11; // as it does beyond the finish, where riders come to rest
 
 constexpr float KNOB_RADIUS = 6.5f;   // samples across the slope
 constexpr float SAMPLE_ASPECT = 2.5f; // a row is that many times as long as a column is wide
@@ -84,19 +160,23 @@ public:
 
 private:
     void LayRide() {
-        INT32 Row = 0;
-        Ride[0] = FIRST_LEVEL;
-        for (UINT32 Stretch = 0; Row < SAMPLES - 1; ++Stretch) {
-            const INT32 Even = 4 + static_cast<INT32>(NoiseHash(1, static_cast<INT32>(Stretch), Params.Seed) % 5);
+        INT32 Row = FOOT_ROWS;
+        for (INT32 i = 0; i <= FOOT_ROWS; ++i) {
+            Ride[i] = Params.FirstLevel + 2 * (FOOT_ROWS - i);
+        }
+        for (UINT32 Piece = 0; Row < SAMPLES - 1; ++Piece) {
+            const INT32 Number = static_cast<INT32>(Piece);
+            const INT32 Even = Params.Way.EvenRows + static_cast<INT32>(NoiseHash(1, Number, Params.Seed) % 5);
             for (INT32 i = 0; i < Even; ++i) {
                 Climb(Row, 1);
             }
-            const UINT32 Choice = NoiseHash(2, static_cast<INT32>(Stretch), Params.Seed) % 2;
-            const float Wanted = FIRST_LEVEL + Params.RiseRate * static_cast<float>(Row);
-            const SRoller& Roller =
-                static_cast<float>(Ride[Row]) > Wanted ? FLAT_ROLLERS[Choice] : FULL_ROLLERS[Choice];
-            for (INT32 i = 0; i < Roller.Rows; ++i) {
-                Climb(Row, Roller.Steps[i]);
+            const UINT32 Choice = NoiseHash(2, Number, Params.Seed) % 2;
+            const float Wanted =
+                static_cast<float>(Params.FirstLevel) + Params.RiseRate * static_cast<float>(Row - FOOT_ROWS);
+            const bool TooHigh = static_cast<float>(Ride[Row]) > Wanted;
+            const SStretch& Stretch = TooHigh ? Params.Way.Low[Choice] : Params.Way.High[Choice];
+            for (INT32 i = 0; i < Stretch.Rows; ++i) {
+                Climb(Row, Stretch.Steps[i]);
             }
         }
     }
@@ -105,7 +185,7 @@ private:
         if (Row >= SAMPLES - 1) {
             return;
         }
-        if (Row >= Params.StartRow) {
+        if (Row >= SAMPLES - HEAD_ROWS) {
             Levels = 2;
         }
         Ride[Row + 1] = std::min(Ride[Row] + Levels, TOP_LEVEL);
@@ -138,16 +218,33 @@ private:
         const float Crest =
             std::min(Params.CrestHeight * (1.0f + 0.9f * Wave), static_cast<float>(TOP_LEVEL - 6 - Ride[Row]));
 
-        const float Bank =
-            Out < BANK_WIDTH ? Out + BANK_CURVE * Out * Out : FLANK_SLOPE * Out - BANK_CURVE * BANK_WIDTH * BANK_WIDTH;
-        float Rise = Crest * Ridge(Bank / Crest);
+        const float Outer = std::min(Params.OuterHeight, static_cast<float>(TOP_LEVEL - 12 - Ride[Row]));
+        float Rise = Profile(Out, Crest, Outer);
         Rise += Away * 13.0f * (NoiseRidged(x * 0.021f, y * 0.021f, 4, Params.Seed + 30) - 0.45f);
         Rise = Broken(Rise, x, y, Away);
-        return std::max(Rise, std::min(Out, 3.0f)) + Knob(x, static_cast<float>(Row));
+        const float Least = Bank(Out) < Crest || Params.Drop == 0 ? std::min(Out, 3.0f) : Rise;
+        return std::max(Rise, Least) + Knob(x, static_cast<float>(Row));
     }
 
-    // Up to 1 at 1, and down again on the far side, where nobody rides but the world must end somewhere.
-    static float Ridge(float Part) { return Part < 1 ? Part : std::max(0.0f, 1.0f - 0.55f * (Part - 1)); }
+    // The bank's curve, then an even slope.
+    float Bank(float Out) const {
+        const float Curved = std::min(Out, Params.BankWidth);
+        return Out + Params.BankCurve * Curved * (2.0f * Out - Curved);
+    }
+
+    // Up to the crest, down again on the far side, where nobody rides but the world must end somewhere, and from there
+    // up to the outer height.
+    float Profile(float Out, float Crest, float Outer) const {
+        const float Up = Bank(Out);
+        if (Up < Crest) {
+            return Up;
+        }
+        const float Down = Crest - 0.55f * (Up - Crest);
+        if (Down > -Params.Drop) {
+            return Down;
+        }
+        return std::min(-Params.Drop - 0.7f * (Down + Params.Drop), std::max(Outer, -Params.Drop));
+    }
 
     // Cuts the flank into cliffs and ledges where the rock is hard.
     float Broken(float Rise, float x, float y, float Away) const {
@@ -184,8 +281,6 @@ private:
         }
         return Highest;
     }
-
-    static constexpr INT32 FIRST_LEVEL = 5;
 
     const SSlopeParams& Params;
     INT32 Ride[SAMPLES] = {}; // level of the ride in each row

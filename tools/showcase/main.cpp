@@ -1,7 +1,7 @@
-// Shows models, the wood and the rider on the first level's slope, in the real engine.
+// Shows models, the wood and the rider on a level's slope, in the real engine.
 //
-//     showcase [--trees N] [--rider] [--play NAME] [--at X,Y] [--distance D] [--height H] [--turn DEGREES]
-//              [--out FILE.png] [--time SECONDS] [MODEL.mdd ...]
+//     showcase [--level FILE.wlm] [--trees N] [--rider] [--play NAME] [--at X,Y] [--distance D] [--height H]
+//              [--turn DEGREES] [--out FILE.png] [--time SECONDS] [MODEL.mdd ...]
 //
 // The camera turns around the place; arrow keys turn it, w and s move it nearer and farther, 1 to 5 play the rider's
 // animations, Escape ends. With --out it takes one picture of the window after the given time (in steps of 1/60 second)
@@ -29,13 +29,13 @@
 
 namespace {
 
-const char* const STAGE_LEVEL = "Data/Levels/Level1.wlm";
 constexpr float DEGREES = 3.1415927f / 180; // in radians
 constexpr float TURN_SPEED = 60 * DEGREES;  // a second
 constexpr float ZOOM = 1.02f;               // a step
 constexpr float STEP = 1.0f / 60;
 
 struct SWishes {
+    GString Level = "Data/Levels/Level1.wlm";
     GArray<GString> Models;
     UINT32 Trees = 0;
     bool Rider = false;
@@ -73,7 +73,7 @@ bool IsDown(UINT32 Key) {
 void CShowcase::Init() {
     GrowTrees();
     GLevel = new CLevel;
-    GLevel->LoadSourceLevel(STAGE_LEVEL);
+    GLevel->LoadSourceLevel(Wishes.Level.CStr());
     // Only the picture is wanted of the level, not its free camera.
     for (CEntity* Entity : GLevel->ActiveEntities) {
         if (std::strcmp(Entity->Class->Name, "FPSCamera") == 0) {
@@ -190,8 +190,9 @@ UINT32 CreateShowcase() {
 }
 
 int ShowUsage() {
-    std::printf("showcase [--trees N] [--rider] [--play NAME] [--at X,Y] [--distance D] [--height H]\n"
-                "         [--turn DEGREES] [--out FILE.png] [--time SECONDS] [MODEL.mdd ...]\n");
+    std::printf(
+        "showcase [--level FILE.wlm] [--trees N] [--rider] [--play NAME] [--at X,Y] [--distance D] [--height H]\n"
+        "         [--turn DEGREES] [--out FILE.png] [--time SECONDS] [MODEL.mdd ...]\n");
     return 1;
 }
 
@@ -213,7 +214,9 @@ bool ReadWish(const char* Key, const char* Value) {
         return false;
     }
     const float Number = static_cast<float>(std::atof(Value));
-    if (std::strcmp(Key, "--trees") == 0) {
+    if (std::strcmp(Key, "--level") == 0) {
+        Wishes.Level = Value;
+    } else if (std::strcmp(Key, "--trees") == 0) {
         Wishes.Trees = static_cast<UINT32>(Number);
     } else if (std::strcmp(Key, "--play") == 0) {
         Wishes.Play = Value;
