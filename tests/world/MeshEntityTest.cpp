@@ -5,7 +5,7 @@
 #include "game/Wood.h"
 #include "platform/Platform.h"
 #include "terrain/Terrain.h"
-#include "world/AllocationCount.h"
+#include "support/AllocationCount.h"
 #include "world/LevelFixture.h"
 
 namespace {
