@@ -4,9 +4,12 @@
 #include <GL/glew.h>
 
 #include "foundation/Screen.h"
+#include "game/Wood.h"
+#include "graphics/DrawingState.h"
 #include "graphics/ShaderLib.h"
 #include "physics/Physics.h"
 #include "platform/Platform.h"
+#include "sound/Sound.h"
 #include "world/GameLevel.h"
 
 #include <IL/il.h>
@@ -25,6 +28,7 @@ struct SLevelStage {
         if (!OpenWindow() || !EnterDataFolder()) {
             return;
         }
+        SetDrawingState();
         ilInit();
         iluInit();
         ShaderLibInit();
@@ -42,10 +46,10 @@ struct SLevelStage {
     SLevelStage(const SLevelStage&) = delete;
     SLevelStage& operator=(const SLevelStage&) = delete;
 
-    static void LoadLevel() {
+    static void LoadLevel(const char* Path = MEASURED_LEVEL) {
         DropLevel();
         GLevel = new CLevel;
-        GLevel->LoadSourceLevel(MEASURED_LEVEL);
+        GLevel->LoadSourceLevel(Path);
     }
     static void DropLevel() {
         delete GLevel;
@@ -63,5 +67,22 @@ private:
         std::error_code Error;
         std::filesystem::current_path(std::filesystem::path(Program).parent_path() / "SlopeRush", Error);
         return !Error;
+    }
+};
+
+// The same with the tree that all woods are sown of, and with sound where there is a device.
+struct SGameStage : SLevelStage {
+    SGameStage() {
+        if (Ready) {
+            SoundInit();
+            GrowTrees();
+        }
+    }
+    ~SGameStage() {
+        if (Ready) {
+            DropLevel();
+            ReleaseTrees();
+            SoundShutdown();
+        }
     }
 };

@@ -1,7 +1,19 @@
 #include "game/GameState.h"
 
+#include "game/MenuCam.h"
+#include "game/Rider.h"
+#include "game/Tree.h"
 #include "game/Wood.h"
 #include "world/GameLevel.h"
+
+namespace {
+
+// Here and not beside the classes, since whoever plays a level links this file.
+TEntityRegistration<CRider> RiderRegistration("Rider");
+TEntityRegistration<CTree> TreeRegistration("Tree");
+TEntityRegistration<CMenuCam> MenuCamRegistration("MenuCam");
+
+} // namespace
 
 const SLevelRecord GLevels[LEVEL_COUNT] = {
     {"Data/Levels/Level1.wlm", 3000, 20, 100.0f}, {"Data/Levels/Level2.wlm", 4000, 25, 100.0f},

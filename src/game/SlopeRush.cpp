@@ -1,10 +1,8 @@
 #include "game/SlopeRush.h"
 
 #include "game/GameState.h"
-#include "game/MenuCam.h"
 #include "game/Rider.h"
 #include "game/Screens.h"
-#include "game/Tree.h"
 #include "game/Wood.h"
 #include "graphics/ShaderLib.h"
 #include "input/Input.h"
@@ -16,11 +14,6 @@
 #include <cstring>
 
 namespace {
-
-// Here and not beside the classes, since this file is always linked.
-TEntityRegistration<CRider> RiderRegistration("Rider");
-TEntityRegistration<CTree> TreeRegistration("Tree");
-TEntityRegistration<CMenuCam> MenuCamRegistration("MenuCam");
 
 // A level ends where the rider passes this part of its half length.
 constexpr float END_OF_SLOPE = -0.8f;

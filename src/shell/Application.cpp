@@ -3,6 +3,7 @@
 #include "foundation/Diagnostics.h"
 #include "foundation/MemPool.h"
 #include "game/IGame.h"
+#include "graphics/DrawingState.h"
 #include "graphics/ShaderLib.h"
 #include "input/Input.h"
 #include "physics/Physics.h"
@@ -65,17 +66,6 @@ void OpenWindow() {
         LogPrintf("! OpenGL Extension error !\n");
         FatalError("! OpenGL Extension error !\n");
     }
-}
-
-void SetDrawingState() {
-    glEnable(GL_DEPTH_TEST);
-    glDepthFunc(GL_LEQUAL);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    glFrontFace(GL_CW);
-    glEnable(GL_CULL_FACE);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glClearColor(0.2f, 0.3f, 0.4f, 1.0f);
-    glClearDepth(1.0);
 }
 
 // Who does not want to go on without sound leaves as through the menu: everything comes up and is taken down in order,

@@ -6,28 +6,33 @@
 #include <SDL/SDL.h>
 
 #include "foundation/Screen.h"
+#include "graphics/DrawingState.h"
 
 namespace {
+
+pid_t WindowOwner = 0;
 
 // Tells a death test's process in which directory the case works.
 constexpr const char* DIR_VARIABLE = "SLOPERUSH_TEST_DIR";
 
 // SDL is left when the process ends and before a leak checker looks: by then no thread of the driver may live, since a
-// thread that is just starting or ending makes the checker fall.
+// thread that is just starting or ending makes the checker fall. A forked child has no such threads to wait for.
+void LeaveWindow() {
+    if (getpid() == WindowOwner) {
+        SDL_Quit();
+    }
+}
+
 bool OpenWindow() {
     if (SDL_Init(SDL_INIT_TIMER | SDL_INIT_VIDEO | SDL_INIT_NOPARACHUTE) < 0 ||
         !SDL_SetVideoMode(WINDOW_WIDTH, WINDOW_HEIGHT, 32, SDL_OPENGL) || glewInit() != GLEW_OK) {
         return false;
     }
-    std::atexit(SDL_Quit);
+    WindowOwner = getpid();
+    std::atexit(LeaveWindow);
     ilInit();
     iluInit();
-    glEnable(GL_DEPTH_TEST);
-    glDepthFunc(GL_LEQUAL);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    glFrontFace(GL_CW);
-    glEnable(GL_CULL_FACE);
-    glEnableClientState(GL_VERTEX_ARRAY);
+    SetDrawingState();
     glViewport(0, 0, WINDOW_WIDTH, WINDOW_HEIGHT);
     glGetError(); // what glewInit may have left
     return true;
