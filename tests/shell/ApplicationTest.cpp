@@ -6,6 +6,7 @@
 #include "input/Input.h"
 #include "physics/Physics.h"
 #include "scene/GLFont.h"
+#include "sound/Sound.h"
 #include "support/Common.h"
 
 #include <SDL/SDL.h>
@@ -66,6 +67,7 @@ protected:
             GTEST_SKIP() << "needs a display; ./check starts one";
         }
         GTEST_FLAG_SET(death_test_style, "threadsafe");
+        setenv("ALSOFT_DRIVERS", "null", 0); // a machine without a sound card is asked nothing
         GPlatform.Ticks = [] { return Script.Ticks.at(Script.Reading++); };
         GPlatform.ShowError = [](const char* Title, const char* Text) {
             std::fprintf(stderr, "%s\n%s\n", Title, Text);
@@ -93,11 +95,16 @@ protected:
 };
 
 TEST_F(ApplicationTest, ARunPrintsItsStagesInOrderAndLeavesNothingForTheNext) {
+    SEmitter Fading;
+    GSound.Fades.Add({&Fading, 0, 1, 0, 1});
     Script.OnUpdate = [] { GKeys[SDLK_w] = GWarpMouse = 1; };
     EXPECT_EQ(PrintedBy([] { EXPECT_EQ(RunGame(), 0); }),
               "Starting the game...\nSDL successfully initialized\nInit\nFree\nDumping memory leaks...\n"
               "It ends here...\nDeleted\n");
-    EXPECT_FALSE(GGame || GFont || GMemPool || GShaderLib || GPhyWorld || SDL_WasInit(SDL_INIT_EVERYTHING));
+    EXPECT_FALSE(GGame || GFont || GMemPool || GShaderLib || GPhyWorld || GSound.Enabled ||
+                 SDL_WasInit(SDL_INIT_EVERYTHING));
+    GSound.Fades.Clear();
+    EXPECT_FLOAT_EQ(Fading.Gain, 1.0f / 60) << "a step's sound update";
     SetClock({5000, 5020, 5040});
     Script.OnInit = [] { EXPECT_FALSE(GKeys[SDLK_w] || GWarpMouse || GQuit); };
     EXPECT_EQ(RunGame(), 0);
@@ -112,7 +119,7 @@ TEST_F(ApplicationTest, TheGameStartsInItsFolderWithItsWindow) {
         const SDL_Surface* Window = SDL_GetVideoSurface();
         EXPECT_TRUE(Window->w == 1024 && Window->h == 576);
         EXPECT_EQ(Window->flags & (SDL_OPENGL | SDL_FULLSCREEN), static_cast<UINT32>(SDL_OPENGL));
-        EXPECT_TRUE(GMemPool && GShaderLib && GPhyWorld);
+        EXPECT_TRUE(GMemPool && GShaderLib && GPhyWorld && GSound.Enabled);
         Seen = fs::current_path();
     };
     RunGame();
@@ -177,6 +184,16 @@ TEST_F(ApplicationTest, ClosingTheWindowAndAltF4EndTheLoopAfterTheRunningTurn) {
         ASSERT_EQ(Script.Turns.size(), 2u);
         EXPECT_GE(Script.Turns[1].Steps.size(), 2u);
     }
+}
+
+// In a process of its own, since the list of sound drivers is read once.
+TEST_F(ApplicationTest, WithoutSoundANoEndsItInOrderBeforeTheFirstTurn) {
+    const auto Run = [] {
+        setenv("ALSOFT_DRIVERS", "nonesuch", 1);
+        GPlatform.AskYesNo = [](const char*, const char*, bool) { return false; };
+        std::_Exit(RunGame() + static_cast<int>(Script.Turns.size()));
+    };
+    EXPECT_EXIT(Run(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(ApplicationTest, AWarpedMouseMeasuresFromTheCentre) {

@@ -25,9 +25,9 @@ void AddText(GArray<UINT8>& Bytes, const char* Text) {
 // The coder with all its states, in the order in which they must come and go.
 class CVorbisFile {
 public:
-    explicit CVorbisFile(FILE* NewFile) : File(NewFile) {
+    CVorbisFile(FILE* NewFile, int Channels) : File(NewFile) {
         vorbis_info_init(&Info);
-        Good = vorbis_encode_init_vbr(&Info, 2, RATE, QUALITY) == 0;
+        Good = vorbis_encode_init_vbr(&Info, Channels, RATE, QUALITY) == 0;
         if (Good) {
             vorbis_comment_init(&Comment);
             vorbis_analysis_init(&Coder, &Info);
@@ -63,9 +63,9 @@ public:
     void Write(const SStereo& Sound, INT32 Start, INT32 Count) {
         if (Count > 0) {
             float** Room = vorbis_analysis_buffer(&Coder, Count);
-            for (INT32 i = 0; i < Count; ++i) {
-                Room[0][i] = Sound.Left[Start + i];
-                Room[1][i] = Sound.Right[Start + i];
+            for (INT32 i = 0; i < Count * Info.channels; ++i) {
+                const INT32 Side = i / Count, At = i % Count;
+                Room[Side][At] = (Side == 0 ? Sound.Left : Sound.Right)[Start + At];
             }
         }
         vorbis_analysis_wrote(&Coder, Count);
@@ -126,12 +126,12 @@ bool SaveWave(const CLoop& Sound, const char* File) {
     return std::fclose(Out) == 0 && Written;
 }
 
-bool SaveVorbis(const SStereo& Sound, const char* File) {
+bool SaveVorbis(const SStereo& Sound, const char* File, int Channels) {
     FILE* Out = std::fopen(File, "wb");
     if (!Out) {
         return false;
     }
-    CVorbisFile Vorbis(Out);
+    CVorbisFile Vorbis(Out, Channels);
     if (Vorbis.Good) {
         Vorbis.WriteHeaders();
         for (INT32 Start = 0; Start < Sound.Length(); Start += PIECE) {

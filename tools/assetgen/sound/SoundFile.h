@@ -6,5 +6,5 @@
 // 16 bits, one channel. Samples beyond full scale are cut off.
 bool SaveWave(const CLoop& Sound, const char* File);
 
-// Vorbis at about 130 kilobits a second.
-bool SaveVorbis(const SStereo& Sound, const char* File);
+// Vorbis at about 130 kilobits a second. Of one channel is the left side alone.
+bool SaveVorbis(const SStereo& Sound, const char* File, int Channels = 2);
