@@ -8,8 +8,8 @@
 #include "input/Input.h"
 #include "physics/Physics.h"
 #include "platform/Platform.h"
-#include "sound/Sound.h"
 #include "scene/GLFont.h"
+#include "sound/Sound.h"
 
 #include <GL/glew.h>
 #include <IL/il.h>
