@@ -7,6 +7,7 @@ uniform vec3 Extents;
 varying vec3 WorldPos;
 varying vec3 ShadowPos; // sun: in the shadow map, 0 to 1; spot: its x, y and w in the map's clip space
 varying vec3 GroundNormal;
+varying float Carved; // 0 to 1: how far the wind has worked on the snow
 
 // Heights come in whole levels. Averaged over a few samples, the normals lose the stairs of gentle ground. A vertex is the
 // cheap place for that: there are far fewer of them than pixels.
@@ -34,5 +35,7 @@ void main()
 	ShadowPos = Shadow.xyw;
 #endif
 	GroundNormal = SmoothNormal();
+	// The wind has carved some places and left others smooth, over hundreds of units.
+	Carved = 0.5 + 0.5 * sin(World.x * 0.013 + 1.7 * sin(World.y * 0.0071)) * sin(World.y * 0.0093 + 1.3 * sin(World.x * 0.0083));
 	gl_Position = ProjectionMatrix * (ViewMatrix * World);
 }
