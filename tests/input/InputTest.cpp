@@ -145,21 +145,6 @@ TEST_F(InputTest, QuitAndAltF4LeaveTheEventsBehindThem) {
     }
 }
 
-TEST_F(InputTest, ResetForgetsEverythingButTheBindings) {
-    BindAction(Left, true);
-    Push(SDL_KEYDOWN, SDLK_w, 0, 'w');
-    Push(SDL_MOUSEBUTTONDOWN, SDL_BUTTON_LEFT);
-    Push(SDL_MOUSEMOTION, 5, 6);
-    Push(SDL_QUIT);
-    Step();
-    GWarpMouse = 1;
-    InputReset();
-    EXPECT_EQ(GKeys[SDLK_w] + GLastKeys[SDLK_w] + GMouseLeft + GLastMouseLeft, 0);
-    EXPECT_EQ(GMousePos.x + GLastMousePos.x, 0.0f);
-    EXPECT_EQ(GTypedText.count + GQuit + GWarpMouse, 0u);
-    EXPECT_EQ(GKeyBinds.Find(SDLK_LEFT)->value.Bind, &Left);
-}
-
 TEST_F(InputTest, AnUnknownKeyReachesTheActionBoundLast) {
     for (SKeyBind& Bind : GGameBinds) {
         BindAction(Bind, true);
