@@ -205,6 +205,7 @@ TEST_F(SpatialGridTest, GridsWithoutVolumeOrCellsHoldNothing) {
 
 // The box must not wait for anybody, and error.log must not land among the test's files.
 TEST_F(SpatialGridTest, WrongCallsAreFatal) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto EndQuietly = [] {
         GPlatform.ShowError = [](const char*, const char* Text) { std::fputs(Text, stderr); };
         fs::current_path(testing::TempDir());
