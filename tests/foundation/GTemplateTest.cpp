@@ -6,7 +6,6 @@
 #include <list>
 #include <sys/mman.h>
 #include <unistd.h>
-#include <utility>
 
 namespace {
 
@@ -242,19 +241,6 @@ TEST_F(GListTest, RandomOperationsMatchAStandardList) {
         ASSERT_EQ(List.count, Expected.size());
         ASSERT_EQ(SCounted::Alive, static_cast<int>(Expected.size()));
     }
-}
-
-TEST_F(GListTest, StackIsLastInFirstOut) {
-    GStack<SCounted> Stack;
-    for (int i = 0; i < 3; ++i) {
-        Stack.Push(i);
-    }
-    Stack.Push(Stack.Top());
-    for (const int Wanted : {2, 2, 1, 0}) {
-        EXPECT_EQ(Stack.Top().Value, Wanted);
-        Stack.Pop();
-    }
-    EXPECT_TRUE(Stack.Empty());
 }
 
 template <class Node>

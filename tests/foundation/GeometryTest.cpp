@@ -30,46 +30,6 @@ TEST(BBox, TransformHoldsTheTurnedCornersTightly) {
     ExpectNear(Box.Max, {10 + Root, Root, 2}, 1e-5f);
 }
 
-TEST(BBox, IsOutsideAPlaneIfAllEightCornersAre) {
-    CRandom Random;
-    int Outside = 0;
-    for (int n = 0; n < 2000; ++n) {
-        const Vec3 Low = Random.Point(5);
-        const BBox Box = {Low, Low + (Random.Point(2) + Vec3{2, 2, 2})};
-        const Plane P = {Random.Unit(), Random.Between(-5, 5)};
-        std::set<float> Depths;
-        for (int i = 0; i < 8; ++i) {
-            const auto End = [&](int Bit) { return i & Bit ? Box.Max : Box.Min; };
-            Depths.insert(M_Dot(P.Normal, {End(1).x, End(2).y, End(4).z}));
-        }
-        EXPECT_EQ(M_BBoxOutsidePlane(Box, P), *Depths.begin() > P.D);
-        EXPECT_EQ(M_Dot(P.Normal, M_BBoxFarCorner(Box, P.Normal)), *Depths.rbegin());
-        Outside += *Depths.begin() > P.D;
-    }
-    EXPECT_GT(Outside, 200);
-}
-
-TEST(BBox, TouchingIsNotOutsideAndOverlaps) {
-    const BBox Box = {{0, 0, 0}, {1, 1, 1}};
-    EXPECT_FALSE(M_BBoxOutsidePlane(Box, {{-1, 0, 0}, -1}));
-    EXPECT_TRUE(M_BBoxOverlap(Box, {{1, 1, 1}, {2, 2, 2}}));
-    for (int Axis = 0; Axis < 3; ++Axis) {
-        BBox Apart = Box;
-        Apart.Min[Axis] = 1.001f;
-        Apart.Max[Axis] = 2;
-        EXPECT_FALSE(M_BBoxOverlap(Box, Apart) || M_BBoxOverlap(Apart, Box));
-    }
-}
-
-TEST(BBox, DistanceIsThatToTheNearestPoint) {
-    CRandom Random;
-    for (int n = 0; n < 100; ++n) {
-        const Vec3 p = Random.Point(5);
-        const Vec3 Nearest = {std::clamp(p.x, -1.0f, 1.0f), std::clamp(p.y, -2.0f, 2.0f), std::clamp(p.z, -3.0f, 3.0f)};
-        EXPECT_FLOAT_EQ(M_BBoxDistance({{-1, -2, -3}, {1, 2, 3}}, p), M_Length(p - Nearest));
-    }
-}
-
 // The ray Origin + t * Dir against a + u * e1 + v * e2, solved by Cramer's rule.
 TEST(Ray, HitsATriangleFromOneSideWhereBarycentricCoordinatesSay) {
     CRandom Random;

@@ -33,12 +33,6 @@ TEST(Vector, LerpStartsAtTheSecondArgument) {
     EXPECT_EQ(M_Lerp4({1, 2, 3, 4}, {5, 2, 3, 8}, 0.25f), (Vec4{4, 2, 3, 7}));
 }
 
-TEST(Vector, SphericalTurnsRoundZAndTiltsFromZ) {
-    ExpectNear(M_Spherical({0.7f, 0, 2}), {0, 0, 2}, 1e-6f);
-    ExpectNear(M_Spherical({0, 1.5707964f, 2}), {2, 0, 0}, 1e-6f);
-    ExpectNear(M_Spherical({1.5707964f, 1.5707964f, 2}), {0, 2, 0}, 1e-6f);
-}
-
 TEST(Vector, Vec4NearIsStrictInEveryComponent) {
     EXPECT_EQ(M_Vec4Near({}, {0.00009f, -0.00009f, 0.00009f, -0.00009f}), 1);
     for (const Vec4& Far : {Vec4{0.0001f, 0, 0, 0}, {0, -0.0001f, 0, 0}, {0, 0, 0.0001f, 0}, {0, 0, 0, -0.0001f}}) {

@@ -7,26 +7,19 @@
 #include "game/Wood.h"
 #include "world/LevelFixture.h"
 
-#include <cstring>
-#include <initializer_list>
-
 class GameFixture : public LevelFixture {
 protected:
-    void SetUp() override {
-        LevelFixture::SetUp();
-        if (Ready) {
-            GrowQuietly();
-            ResetGameState();
-            GGameState = GAME_PLAYING;
-        }
+    void Start() override {
+        LevelFixture::Start();
+        PrintedBy(GrowTrees); // the tree's script tells what it grows
+        ResetGameState();
+        GGameState = GAME_PLAYING;
     }
-    void TearDown() override {
+    void Finish() override {
         DropLevel();
-        if (Ready) {
-            ReleaseKeys();
-            ReleaseTrees();
-        }
-        LevelFixture::TearDown();
+        ReleaseKeys();
+        ReleaseTrees();
+        LevelFixture::Finish();
     }
 
     // Also forgets that a key was down a step before.
@@ -35,13 +28,6 @@ protected:
         for (SKeyBind& Bind : GGameBinds) {
             Bind.State = Bind.Down = Bind.WasDown = 0;
         }
-    }
-
-    // The tree's script tells what it grows.
-    static void GrowQuietly() {
-        testing::internal::CaptureStdout();
-        GrowTrees();
-        testing::internal::GetCapturedStdout();
     }
 
     // A rider high above the ground, weightless unless Scene says otherwise.

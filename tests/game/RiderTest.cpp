@@ -1,10 +1,6 @@
 // The rider's mechanics, each by itself: what keys, stroke, spring, alignment and camera do in single steps.
 #include "game/GameFixture.h"
 
-#include <cmath>
-#include <map>
-#include <random>
-
 namespace {
 
 class Rider : public GameFixture {

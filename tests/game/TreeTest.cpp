@@ -1,10 +1,7 @@
 // Trees: their bodies near the camera, their flight, and the sowing of a wood.
 #include "game/GameFixture.h"
 #include "game/MenuCam.h"
-#include "platform/Platform.h"
 #include "terrain/Terrain.h"
-
-#include <cmath>
 
 namespace {
 
@@ -103,8 +100,9 @@ TEST_F(Wood, SownTreesStandOnTheInnerGroundAndFollowTheSeed) {
 }
 
 TEST_F(Wood, TheMenuCameraLooksAtItsTarget) {
-    CLevel& Level = LoadText("WLMF\n" + FlatGround(0) + "scene grava=0 gravp=2.1415927 gravr=10\n"
-                                                        "entity MenuCam _POS=1;2;3 Target=4;5;6\n");
+    CLevel& Level = LoadText("WLMF\n" + FlatGround(0) +
+                             "scene grava=0 gravp=2.1415927 gravr=10\n"
+                             "entity MenuCam _POS=1;2;3 Target=4;5;6\n");
     Level.Update(STEP);
     for (const CameraState& Camera : {GCamera, GCameraPrev, GCameraNow}) {
         ExpectNear(Camera.Eye, {1, 2, 3}, 0);

@@ -154,9 +154,8 @@ TEST_F(InputTest, ResetForgetsEverythingButTheBindings) {
     Step();
     GWarpMouse = 1;
     InputReset();
-    EXPECT_EQ(GKeys[SDLK_w] + GLastKeys[SDLK_w] + GMouseLeft + GLastMouseLeft, 0);
-    EXPECT_EQ(GMousePos.x + GLastMousePos.x, 0.0f);
-    EXPECT_EQ(GTypedText.count + GQuit + GWarpMouse, 0u);
+    EXPECT_FALSE(GKeys[SDLK_w] || GLastKeys[SDLK_w] || GMouseLeft || GLastMouseLeft || GQuit || GWarpMouse);
+    EXPECT_TRUE(GMousePos.x + GLastMousePos.x == 0 && GTypedText.Empty());
     EXPECT_EQ(GKeyBinds.Find(SDLK_LEFT)->value.Bind, &Left);
 }
 

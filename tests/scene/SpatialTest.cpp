@@ -205,6 +205,7 @@ TEST_F(SpatialGridTest, GridsWithoutVolumeOrCellsHoldNothing) {
 
 // The box must not wait for anybody, and error.log must not land among the test's files.
 TEST_F(SpatialGridTest, WrongCallsAreFatal) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto EndQuietly = [] {
         GPlatform.ShowError = [](const char*, const char* Text) { std::fputs(Text, stderr); };
         fs::current_path(testing::TempDir());
@@ -291,17 +292,6 @@ TEST_F(SpatialQueryTest, FindsOnceWhatBruteForceOverTheClientsFinds) {
         Seen += Found.size();
     }
     EXPECT_GT(Seen, 1000u) << "the views are too small to prove anything";
-}
-
-TEST_F(SpatialQueryTest, ClientThatStoppedInANodeWithChildrenIsMissedUnlessTheNodeIsGatheredWhole) {
-    const BBox Half = {{0, 0, 0}, {64, 64, 64}};
-    const CTestMesh& InRoot = AddMesh(BOX);
-    EXPECT_EQ(Query(PlanesOf(EVERYTHING)), Visits{&InRoot}) << "the root has no children yet";
-    const CTestMesh& Large = AddMesh({{4, 4, 4}, {124, 124, 124}});
-    EXPECT_EQ(Query(PlanesOf(Half)), Visits{&Large}) << "the octant has no children yet";
-    const CTestMesh& Small = AddMesh({{10, 10, 10}, {12, 12, 12}});
-    EXPECT_EQ(Query(PlanesOf(Half)), Visits{&Small});
-    EXPECT_EQ(Query(PlanesOf(EVERYTHING)), (Visits{&Large, &Small})) << "the root is never gathered whole";
 }
 
 // The box that changes after AddClient shows whether the client itself was tested.

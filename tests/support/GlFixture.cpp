@@ -83,9 +83,8 @@ void GlFixture::TearDown() {
         PlatformRestore();
     }
     if (!StartDir.empty()) {
-        const fs::path Dir = fs::current_path();
         fs::current_path(StartDir);
-        fs::remove_all(Dir);
+        fs::remove_all(std::getenv(DIR_VARIABLE));
         unsetenv(DIR_VARIABLE);
     }
 }

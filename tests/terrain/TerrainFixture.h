@@ -1,13 +1,7 @@
-// Grounds made from a formula, without picture, GL or physics.
+// Grounds made from a formula.
 #pragma once
 
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <gtest/gtest.h>
-#include <random>
-#include <vector>
-
+#include "support/Common.h"
 #include "terrain/Terrain.h"
 
 // Fills a terrain as a picture would. HeightAt gives the fraction for grid point (x, y).
@@ -28,9 +22,3 @@ void MakeGround(STerrain& Terrain, UINT32 Side, FHeight HeightAt, const Vec3& Ex
 inline double Hills(double x, double y) {
     return 0.5 + 0.25 * std::sin(x * 0.31) + 0.15 * std::cos(y * 0.23);
 }
-
-// The same numbers in every run.
-struct SRandom {
-    std::mt19937 Source{99};
-    float operator()(float Min, float Max) { return std::uniform_real_distribution<float>(Min, Max)(Source); }
-};

@@ -1,8 +1,4 @@
 // Terrains from files, and their picture.
-#include <GL/glew.h>
-#include <btBulletDynamicsCommon.h>
-#include <sstream>
-
 #include "foundation/Screen.h"
 #include "graphics/ShaderLib.h"
 #include "graphics/TextureStorage.h"
@@ -11,27 +7,25 @@
 #include "terrain/TerrainFile.h"
 #include "terrain/TerrainFixture.h"
 
+#include <GL/glew.h>
+#include <btBulletDynamicsCommon.h>
+#include <sstream>
+
 namespace {
 
 class TerrainLoadTest : public GlFixture {
 protected:
-    void SetUp() override {
-        GlFixture::SetUp();
-        if (Ready) {
-            PhyInit();
-            ShaderLibInit();
-            WriteTga("a.tga", 1, 1, 1, {200});
-        }
+    void Start() override {
+        PhyInit();
+        ShaderLibInit();
+        WriteTga("a.tga", 1, 1, 1, {200});
     }
-    void TearDown() override {
-        if (Ready) {
-            Terrain.Free();
-            EXPECT_EQ(GTextureByName.Find("a.tga"), nullptr);
-            EXPECT_EQ(GPhyWorld->getNumCollisionObjects(), 0);
-            ShaderLibFree();
-            PhyFree();
-        }
-        GlFixture::TearDown();
+    void Finish() override {
+        Terrain.Free();
+        EXPECT_EQ(GTextureByName.Find("a.tga"), nullptr);
+        EXPECT_EQ(GPhyWorld->getNumCollisionObjects(), 0);
+        ShaderLibFree();
+        PhyFree();
     }
 
     static UINT8 Sample(UINT32 x, UINT32 y) { return static_cast<UINT8>(255 * Hills(x, y)); }
@@ -39,9 +33,7 @@ protected:
     // What the load of a terrain file with this text prints.
     std::string Load(const std::string& Text) {
         WriteText("t.ter", Text);
-        testing::internal::CaptureStdout();
-        Terrain.Load("t.ter");
-        return testing::internal::GetCapturedStdout();
+        return PrintedBy([&] { Terrain.Load("t.ter"); });
     }
     std::string LoadPicture(UINT32 Width, UINT32 Height) {
         std::vector<UINT8> Pixels(std::size_t{Width} * Height);
@@ -69,8 +61,6 @@ protected:
 
     STerrain Terrain;
 };
-
-} // namespace
 
 TEST_F(TerrainLoadTest, EverySizeLoadsWhatFitsAndStaysCallable) {
     const UINT32 Sizes[][3] = {{1, 1, 0},     {5, 3, 0},     {33, 32, 0},     {33, 33, 33},       {64, 64, 33},
@@ -119,17 +109,17 @@ TEST_F(TerrainLoadTest, BadInputIsToldAndLeavesItEmptyAndCallable) {
 
 TEST(TerrainFileTest, AnyBytesAreTheWordsThatAStreamReads) {
     const std::string Good = "Data/h.png\r\na.png\t\tb.png\n\nc.png d.png sixth";
-    SRandom Random;
+    CRandom Random;
     for (std::size_t i = 0; i < 4 * Good.size(); i++) {
         std::string Text = Good.substr(0, i);
         if (i > Good.size()) {
-            Text[Random.Source() % Text.size()] = static_cast<char>(Random.Source() % 255 + 1);
+            Text[Random.Engine() % Text.size()] = static_cast<char>(Random.Engine() % 255 + 1);
         }
         std::istringstream Stream(Text);
         STerrainFile File;
-        testing::internal::CaptureStdout();
-        const INT32 Ok = ParseTerrainFile("a.ter", Text.c_str(), File);
-        EXPECT_EQ(testing::internal::GetCapturedStdout().empty(), Ok != 0);
+        INT32 Ok = 0;
+        const std::string Log = PrintedBy([&] { Ok = ParseTerrainFile("a.ter", Text.c_str(), File); });
+        EXPECT_EQ(Log.empty(), Ok != 0);
         std::string Word;
         for (const GString* Found :
              {&File.Picture, File.Details, File.Details + 1, File.Details + 2, File.Details + 3}) {
@@ -149,12 +139,7 @@ TEST_F(TerrainLoadTest, DrawsTheGroundWhereItIsAndWithoutGaps) {
     Terrain.Extents = {400, 400, 20};
     ASSERT_EQ(LoadPicture(257, 257), "");
     // From above the middle; the ground is larger than the picture.
-    GCamera.Eye = {0, 0, 300};
-    GCamera.Target = {0, 0, 0};
-    GCamera.Up = {0, 1, 0};
-    GCamera.Fov = 60;
-    GCamera.Aspect = 1.0f * WINDOW_WIDTH / WINDOW_HEIGHT;
-    GCamera.Far = 1000;
+    GCamera = {{0, 0, 300}, {0, 0, 0}, {0, 1, 0}, 60, 1.0f * WINDOW_WIDTH / WINDOW_HEIGHT, 1, 1000};
     M_CameraLookAt(GViewMatrix);
     M_Mat4Perspective(GProjectionMatrix, 60 * 3.14159265f / 180, GCamera.Aspect, GCamera.Near, GCamera.Far);
     Terrain.Visible(false);
@@ -183,3 +168,5 @@ TEST_F(TerrainLoadTest, DrawsTheGroundWhereItIsAndWithoutGaps) {
         EXPECT_NEAR(Found.B, (Ground.y / 800 + 0.5f) * 257 / 256 * 255, 4);
     }
 }
+
+} // namespace

@@ -1,8 +1,8 @@
-#include <btBulletDynamicsCommon.h>
-
+#include "terrain/TerrainShape.h"
 #include "physics/Physics.h"
 #include "terrain/TerrainFixture.h"
-#include "terrain/TerrainShape.h"
+
+#include <btBulletDynamicsCommon.h>
 
 namespace {
 
@@ -62,15 +62,13 @@ protected:
     btTriangleMesh Mesh;
 };
 
-} // namespace
-
 TEST_F(TerrainShapeTest, QueriesYieldTheTrianglesOfTheMeshAndFewMore) {
     const btCustomHeightfieldTerrainShape Shape(SIDE, SIDE, Terrain.Heights, Terrain.Extents);
-    SRandom Random;
+    CRandom Random;
     for (int i = 0; i < 200; i++) {
         // Some lie outside, and yield cells at the edge.
-        const btVector3 Min = {Random(-30, 28), Random(-30, 28), -1};
-        const btVector3 Max = Min + btVector3(Random(0, 4), Random(0, 2), 11);
+        const btVector3 Min = {Random.Between(-30, 28), Random.Between(-30, 28), -1};
+        const btVector3 Max = Min + btVector3(Random.Between(0, 4), Random.Between(0, 2), 11);
         CCollector Found, Expected;
         Shape.processAllTriangles(&Found, Min, Max);
         COrderedMesh(&Mesh, true, false).processAllTriangles(&Expected, Min, Max);
@@ -100,3 +98,5 @@ TEST_F(TerrainShapeTest, ABallSlidesDownAsOnATriangleMeshOfTheSameHeights) {
         EXPECT_GT(Own.front().y() - Own.back().y(), 20) << "the ball did not slide";
     }
 }
+
+} // namespace

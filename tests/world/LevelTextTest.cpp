@@ -1,5 +1,4 @@
 // A level's text: how it is scanned, the exact form in which it is written, and that no text does harm.
-#include "foundation/Scan.h"
 #include "support/Common.h"
 #include "world/LevelFile.h"
 
@@ -97,15 +96,6 @@ TEST(LevelText, NewLevelIsWrittenWithItsDefaultsAndNoEmptyText) {
               "lda=0.000000 ldp=0.000000 lcr=1.000000 lcg=1.000000 lcb=1.000000 cldam=0.100000 raypwr=0.500000 "
               "fcr=0.500000 fcg=0.500000 fcb=0.500000 fdist=1000.000000 fexp=2.000000 skfam=0.000000 skfexp=4.000000 "
               "cldst=1000.000000\nentity A b=1\n");
-}
-
-TEST(LevelText, CarriageReturnsOfAFileAreNoContent) {
-    const std::string Path = (fs::temp_directory_path() / "sloperush-crlf.wlm").string();
-    WriteText(Path, "WLMF\r\n\r\nterrain sx=1 file=T.ter\r\nentity Tree a=b\r\n");
-    GString Text;
-    ASSERT_TRUE(F_ReadTextFile(Path.c_str(), Text));
-    fs::remove(Path);
-    EXPECT_EQ(ReadAndWritten(Text.CStr()), ReadAndWritten("WLMF\n\nterrain sx=1 file=T.ter\nentity Tree a=b\n"));
 }
 
 TEST(LevelText, ShippedLevelsComeBackToTheByte) {

@@ -4,8 +4,8 @@
 #include "anim/AnimInstance.h"
 #include "game/Wood.h"
 #include "platform/Platform.h"
-#include "terrain/Terrain.h"
 #include "support/AllocationCount.h"
+#include "terrain/Terrain.h"
 #include "world/LevelFixture.h"
 
 namespace {

@@ -55,22 +55,6 @@ TEST_F(Sun, StandsWhereItsAnglesSayAndTurnsWithGravity) {
     });
 }
 
-TEST_F(Sun, LightGoesToTheShadersAndTheCameraStays) {
-    GCurLight = LIGHT_SPOT;
-    GProjTexture = 7;
-    const CameraState Before = GCamera;
-    GLevel->SetSunLight();
-    EXPECT_EQ(GCurLight, static_cast<const char*>(LIGHT_AMBDIR));
-    ExpectNear(GLightDir, -Spherical(0.7, 1.1), 1e-6f);
-    EXPECT_EQ(GLightDirW, 0.25f);
-    EXPECT_EQ(GProjTexture, 0u);
-    EXPECT_EQ(GLightColor, Vec3({0.9f, 1, 1}));
-    EXPECT_EQ(GAmbientColor, Vec3({0.1f, 0.15f, 0.2f}));
-    EXPECT_EQ(GShadowTexture, GLevel->ShadowRT.DepthTex);
-    EXPECT_NE(GShadowTexture, 0u);
-    EXPECT_EQ(std::memcmp(&GCamera, &Before, sizeof(CameraState)), 0);
-}
-
 TEST_F(Sun, ShadowMapFollowsTheEyeAndCoversAThousandUnits) {
     ForAllAngles([] {
         const CameraState Before = GCamera;
