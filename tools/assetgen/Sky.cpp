@@ -66,8 +66,8 @@ constexpr SSkyParams SKIES[] = {
      .Peaks = 6.0f},
     {.Name = "Afternoon",
      .Seed = 31,
-     .SunAngle = 4.15f,
-     .SunPitch = 1.24f,
+     .SunAngle = 4.62f,
+     .SunPitch = 1.1f,
      .Zenith = {0.15f, 0.29f, 0.55f},
      .Middle = {0.52f, 0.60f, 0.72f},
      .Horizon = {0.96f, 0.78f, 0.55f},
@@ -94,7 +94,7 @@ constexpr SSkyParams SKIES[] = {
     {.Name = "Storm",
      .Seed = 53,
      .SunAngle = 4.95f,
-     .SunPitch = 1.26f,
+     .SunPitch = 1.2f,
      .Zenith = {0.18f, 0.21f, 0.27f},
      .Middle = {0.34f, 0.38f, 0.43f},
      .Horizon = {0.66f, 0.64f, 0.56f},
@@ -108,17 +108,17 @@ constexpr SSkyParams SKIES[] = {
      .Peaks = 4.6f},
     {.Name = "Night",
      .Seed = 67,
-     .SunAngle = 4.35f,
-     .SunPitch = 1.22f,
-     .Zenith = {0.010f, 0.018f, 0.055f},
-     .Middle = {0.028f, 0.052f, 0.125f},
-     .Horizon = {0.075f, 0.115f, 0.215f},
-     .Fog = {0.065f, 0.095f, 0.175f},
-     .Sun = {0.55f, 0.62f, 0.76f},
-     .Shade = {0.035f, 0.050f, 0.100f},
+     .SunAngle = 4.6f,
+     .SunPitch = 1.1f,
+     .Zenith = {0.020f, 0.032f, 0.090f},
+     .Middle = {0.050f, 0.085f, 0.190f},
+     .Horizon = {0.130f, 0.185f, 0.310f},
+     .Fog = {0.120f, 0.165f, 0.270f},
+     .Sun = {0.75f, 0.80f, 0.92f},
+     .Shade = {0.065f, 0.090f, 0.165f},
      .Clouds = 0.3f,
-     .Cloud = {0.15f, 0.19f, 0.29f},
-     .Stars = 0.55f,
+     .Cloud = {0.22f, 0.28f, 0.41f},
+     .Stars = 0.42f,
      .Peaks = 5.0f},
 };
 
@@ -252,7 +252,8 @@ private:
 
     // Distance turns everything into air, and the mist in the valleys into fog.
     Vec3 Hazed(const Vec3& Colour, float x, float y, float z, float Distance) const {
-        const Vec3 Dir = {x / Distance, y / Distance, z / Distance};
+        const float Way = std::sqrt(Distance * Distance + z * z);
+        const Vec3 Dir = {x / Way, y / Way, z / Way};
         const Vec3 Blue = MixColour(Air.Params.Horizon, Air.Params.Middle, 0.55f);
         const float Thick = 1.0f - std::exp(-Distance / 22.0f);
         Vec3 Seen = MixColour(Colour, Air.WithGlow(Blue, Dir, 0.8f), Thick);
@@ -329,7 +330,8 @@ private:
     Vec3 Pixel(INT32 x, INT32 y) const {
         const float Elevation = (static_cast<float>(y) + 0.5f) / HEIGHT * PI - PI / 2;
         const Vec3 Dir = Direction((static_cast<float>(x) + 0.5f) / WIDTH * 2 * PI, Elevation);
-        const float Star = Stars(x, y);
+        // Haze and the sun's glow hide the stars.
+        const float Star = Stars(x, y) * SmoothStep(0.0f, 0.3f, Dir.z) * SmoothStep(0.97f, 0.80f, Dot(Dir, Air.ToSun));
         const Vec3 Sky = Air.At(Dir) + Vec3{Star, Star, Star};
         const Vec3 Behind = Dir.z > 0 ? Air.WithClouds(Sky, Dir) : Sky;
         Vec3 Sum;
