@@ -102,7 +102,8 @@ void PostProcess(benchmark::State& State) {
 
 } // namespace
 
-BENCHMARK(Picture)->Name("picture")->DenseRange(1, 5)->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(Picture)->Name("picture")->DenseRange(1, 5)->MeasureProcessCPUTime()->UseRealTime()->Unit(
+    benchmark::kMillisecond);
 BENCHMARK(Shadow)->Name("pass_shadow")->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(Ground)->Name("pass_ground")->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(Meshes)->Name("pass_meshes")->MeasureProcessCPUTime()->UseRealTime()->Unit(benchmark::kMillisecond);

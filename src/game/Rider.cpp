@@ -23,8 +23,9 @@ struct SRiderAnimation {
 };
 
 const SRiderAnimation ANIMATIONS[] = {
-    {"Data/Models/Idle.anf", "idle", 1}, {"Data/Models/TurnLeft.anf", "left", 1}, {"Data/Models/TurnRight.anf", "right", 1},
-    {"Data/Models/Cut0.anf", "cut0", 2}, {"Data/Models/Cut1.anf", "cut1", 2},
+    {"Data/Models/Idle.anf", "idle", 1},       {"Data/Models/TurnLeft.anf", "left", 1},
+    {"Data/Models/TurnRight.anf", "right", 1}, {"Data/Models/Cut0.anf", "cut0", 2},
+    {"Data/Models/Cut1.anf", "cut1", 2},
 };
 
 constexpr UINT32 LOOP_SLOT = 0;
@@ -59,12 +60,12 @@ constexpr Vec3 CUT_DIRECTION = {0, -1, -0.7f};
 constexpr float CUT_CONE = 0.05f; // smallest cosine to the cut direction
 constexpr Vec3 FORWARD = {0, -1, 0};
 
-constexpr float LOOK_LENGTH = 15.0f;        // world units from eye to target
-constexpr float LOOK_VELOCITY = 3.0f;       // what the velocity weighs against the facing
-constexpr float CAMERA_RATE = 5.0f;         // per second
-constexpr Vec3 CAMERA_OFFSET = {0, 8, 12};  // of the eye, before the look vector is taken off
-constexpr float CAMERA_LIFT = 8.0f;         // world units that the eye rises when looking down the slope
-constexpr float CAMERA_SIDE = 0.2f;         // how much of the lift a look to the side takes away
+constexpr float LOOK_LENGTH = 15.0f;       // world units from eye to target
+constexpr float LOOK_VELOCITY = 3.0f;      // what the velocity weighs against the facing
+constexpr float CAMERA_RATE = 5.0f;        // per second
+constexpr Vec3 CAMERA_OFFSET = {0, 8, 12}; // of the eye, before the look vector is taken off
+constexpr float CAMERA_LIFT = 8.0f;        // world units that the eye rises when looking down the slope
+constexpr float CAMERA_SIDE = 0.2f;        // how much of the lift a look to the side takes away
 
 btVector3 ToBullet(const Vec3& v) {
     return {v.x, v.y, v.z};

@@ -20,7 +20,7 @@ namespace {
 
 constexpr float LOGO_START = -2.0f; // seconds of its clock
 constexpr float LOGO_END = 4.0f;
-constexpr float LOGO_REST = 2.0f; // how long it stands still in the middle
+constexpr float LOGO_REST = 2.0f;    // how long it stands still in the middle
 constexpr float LOGO_SPEED = 800.0f; // world units per second, downward
 constexpr Vec3 LOGO_PLACE = {-300, -600, 320};
 constexpr float LOGO_SIZE = 350.0f;
@@ -163,8 +163,7 @@ struct SResult {
 
 SResult GetResult() {
     if (HasFailed()) {
-        const char* Text =
-            GTimeLeft <= 0 ? "You failed to get to the end on time!" : "You didn't cut enough trees!";
+        const char* Text = GTimeLeft <= 0 ? "You failed to get to the end on time!" : "You didn't cut enough trees!";
         return {Text, "Retry level", FAILED_COLOR, GLevelIndex};
     }
     if (IsLastLevel()) {

@@ -10,15 +10,15 @@
 
 namespace {
 
-constexpr float PHYSICS_RATE = 4;      // physics seconds in one of the game
-constexpr float SIGHT = 240;           // world units ahead
-constexpr int THINK_STEPS = 6;         // between two choices of a way
-constexpr float WIDEST = 1.0f;         // radians to either side
-constexpr int HEADINGS = 21;           // tried
-constexpr float STROKE_DELAY = 0.25f;  // seconds until the sword is there
-constexpr float BODY_WIDTH = 9;        // a way closer to a trunk than this hits it
-constexpr float SWORD_WIDTH = 36;      // a trunk closer to the way than this can be cut
-constexpr float CRASH_COST = 60;       // in units of height
+constexpr float PHYSICS_RATE = 4;     // physics seconds in one of the game
+constexpr float SIGHT = 240;          // world units ahead
+constexpr int THINK_STEPS = 6;        // between two choices of a way
+constexpr float WIDEST = 1.0f;        // radians to either side
+constexpr int HEADINGS = 21;          // tried
+constexpr float STROKE_DELAY = 0.25f; // seconds until the sword is there
+constexpr float BODY_WIDTH = 9;       // a way closer to a trunk than this hits it
+constexpr float SWORD_WIDTH = 36;     // a trunk closer to the way than this can be cut
+constexpr float CRASH_COST = 60;      // in units of height
 constexpr float TREE_REWARD = 25;
 constexpr float TURN_COST = 12;
 

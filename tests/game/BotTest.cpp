@@ -37,8 +37,11 @@ protected:
     }
 
     static void Press(const SBotKeys& Keys) {
-        const std::pair<bool, UINT32> All[] = {{Keys.Left, SDLK_LEFT},   {Keys.Right, SDLK_RIGHT}, {Keys.Push, SDLK_UP},
-                                               {Keys.Brake, SDLK_DOWN}, {Keys.Cut, SDLK_SPACE}};
+        const std::pair<bool, UINT32> All[] = {{Keys.Left, SDLK_LEFT},
+                                               {Keys.Right, SDLK_RIGHT},
+                                               {Keys.Push, SDLK_UP},
+                                               {Keys.Brake, SDLK_DOWN},
+                                               {Keys.Cut, SDLK_SPACE}};
         StepWith([&](UINT32 Key) {
             return std::any_of(std::begin(All), std::end(All), [&](auto& p) { return p.second == Key && p.first; });
         });

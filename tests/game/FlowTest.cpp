@@ -171,7 +171,8 @@ TEST_F(Flow, AClickCountsWhereTheButtonWentDownAndCameUp) {
 
 TEST_F(Flow, TheHudShowsCountAndClock) {
     Play();
-    const auto Hud = [&](const std::string& Trees, const Vec4& TreeColor, const std::string& Time, const Vec4& TimeColor) {
+    const auto Hud = [&](const std::string& Trees, const Vec4& TreeColor, const std::string& Time,
+                         const Vec4& TimeColor) {
         const Vec4 Black = {0, 0, 0, 1};
         return std::vector<SText>{{Trees, Black, 0, 51, 51, 500, 500, 24},
                                   {Trees, TreeColor, 0, 50, 50, 500, 500, 24},

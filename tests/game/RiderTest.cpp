@@ -40,7 +40,8 @@ TEST_F(Rider, KeysPushSteerAndBrake) {
     const double First = Damped(60.0 / 70 / 60, 3);
     EXPECT_NEAR(SpeedAfter({SDLK_UP}, 2).y, -First, 1e-5);
     EXPECT_NEAR(SpeedAfter({SDLK_UP}, 3).y, -(Damped(First) + Damped(40.0 / 70 / 60, 3)), 1e-5);
-    EXPECT_NEAR(SpeedAfter({SDLK_LEFT}, 2).x, Damped(100.0 / 70 / 60, 3) * 0.98, 1e-4) << "left is +X when riding to -Y";
+    EXPECT_NEAR(SpeedAfter({SDLK_LEFT}, 2).x, Damped(100.0 / 70 / 60, 3) * 0.98, 1e-4)
+        << "left is +X when riding to -Y";
     EXPECT_NEAR(SpeedAfter({SDLK_RIGHT}, 2).x, -Damped(100.0 / 70 / 60, 3) * 0.98, 1e-4);
     EXPECT_NEAR(SpeedAfter({SDLK_LEFT, SDLK_RIGHT}, 2).x, 0, 1e-6);
     const auto SpinOf = [&](UINT32 Key) {

@@ -134,56 +134,57 @@ float SideOf(const BBox& Box, const std::string& Side) {
 constexpr double DIAGONAL = 0.70710678;
 
 // The trunk is 10 high with radii 5 and 4 where its line says nothing else.
+const SFieldCase TrunkCases[] = {
+    {"height=30;0", "+z", 30},
+    {"rad=7;0", "+x", 7},
+    {"rad=2;0 radscale=4;0", "+x", 8},
+    {"subw=2;0", "+y", 0},
+    {"rotx=45;0 radscale=0;0", "+x", 5 * DIAGONAL},
+    {"roty=90;0 radscale=0;0", "-x", -10},
+    {"rotx=90;0 roty=90;0 radscale=0;0", "+y", 10},
+    {"rotz=45;0 radscale=0;0", "+x", 5 * DIAGONAL},
+    {"rot2y=90;0 radscale=2;0", "+z", 20},
+    {"rot2x=90;0 rot2y=90;0 radscale=2;0", "+x", 10},
+    {"rot2z=45;0 radscale=2;0", "+x", 10 * DIAGONAL},
+    // The foot moves out by push * (1 - distance / reach); the noise is a half at whole places.
+    {"basepush=4;0", "+x", 5 + 4 * 0.5},
+    {"basepush=0;4", "+x", 5 + 0.5 * 4 * 0.5},
+    {"basepush=0;4 ns_scale=4;0", "+x", 5 + 0.573242 * 4 * 0.5},
+    {"basepush=4;0 ns_extx=20;0", "+x", 5 + 4 * 0.75},
+    {"basepush=4;0 ns_exty=20;0", "+y", 5 + 4 * 0.75},
+    {"basepush=4;0 ns_extz=40;0", "+z", 10 + 4 * (1 - std::hypot(0.4, 0.25)) * 0.25 / std::hypot(0.4, 0.25)},
+};
+// A side limb grows from the trunk's foot or end; its radii are 4 * radscale0 and 4 * radscale.
+const SFieldCase BranchCases[] = {
+    {"height=20;0 htlerp=0;0", "+z", 30},
+    {"htscale=3;0 htlerp=1;0", "+z", 40},
+    {"height=20;0 htscale=3;0 htlerp=0.5;0", "+z", 35},
+    {"repeat=2;0\nbranch_end", "+z", 30},
+    {"sub=1;0 heightq=0.25;0", "+z", 12.5},
+    {"sub=1;0 radscale0=3;0", "+x", 12},
+    {"radscale=3;0", "+x", 12},
+    {"sub=1;0 radscale0=3;0 subw=2;0", "+y", 5},
+    {"sub=1;0 heightq=1;0 rotabsy=90;0 rotqy=1;0 radscale=0;0", "-x", -10},
+    {"sub=1;0 heightq=1;0 rotrely=90;0 radscale=0;0", "-x", -10},
+    {"sub=1;0 heightq=1;0 rotrely=90;0 rotrelx=90;0 radscale=0;0", "+y", 10},
+    {"sub=1;0 heightq=1;0 rotrely=90;0 rotabsx=90;0 rotqx=1;0 radscale=0;0", "+y", 10},
+    {"sub=1;0 radscale0=3;0 rotrelz=45;0", "+x", 12 * DIAGONAL},
+    {"sub=1;0 radscale0=3;0 rotabsz=90;0 rotqz=0.5;0", "+x", 12 * DIAGONAL},
+};
+// A card stands along the trunk, its face towards Y.
+const SFieldCase LeafCases[] = {
+    {"extx=7;0", "+x", 7},
+    {"exty=5;0 heightq=1;0", "+z", 15},
+    {"exty=5;0 heightq=0;0 depthq=1;0", "+z", 10},
+    {"rotrelx=90;0 extx=7;0", "+y", 7},
+    {"rotabsx=90;0 rotqx=1;0 extx=7;0", "+y", 7},
+    {"rotrely=90;0 exty=7;0", "+x", 7},
+    {"rotabsy=90;0 rotqy=0.5;0 extx=0;0 exty=7;0", "+x", 7 * DIAGONAL},
+    {"rotrelz=90;0 extx=7;0", "+y", 7},
+    {"rotabsz=90;0 rotqz=1;0 extx=7;0", "+y", 7},
+};
+
 TEST_F(TreeScript, EveryFieldSetsTheMeasureThatItIsNamedFor) {
-    const SFieldCase TrunkCases[] = {
-        {"height=30;0", "+z", 30},
-        {"rad=7;0", "+x", 7},
-        {"rad=2;0 radscale=4;0", "+x", 8},
-        {"subw=2;0", "+y", 0},
-        {"rotx=45;0 radscale=0;0", "+x", 5 * DIAGONAL},
-        {"roty=90;0 radscale=0;0", "-x", -10},
-        {"rotx=90;0 roty=90;0 radscale=0;0", "+y", 10},
-        {"rotz=45;0 radscale=0;0", "+x", 5 * DIAGONAL},
-        {"rot2y=90;0 radscale=2;0", "+z", 20},
-        {"rot2x=90;0 rot2y=90;0 radscale=2;0", "+x", 10},
-        {"rot2z=45;0 radscale=2;0", "+x", 10 * DIAGONAL},
-        // The foot moves out by push * (1 - distance / reach); the noise is a half at whole places.
-        {"basepush=4;0", "+x", 5 + 4 * 0.5},
-        {"basepush=0;4", "+x", 5 + 0.5 * 4 * 0.5},
-        {"basepush=0;4 ns_scale=4;0", "+x", 5 + 0.573242 * 4 * 0.5},
-        {"basepush=4;0 ns_extx=20;0", "+x", 5 + 4 * 0.75},
-        {"basepush=4;0 ns_exty=20;0", "+y", 5 + 4 * 0.75},
-        {"basepush=4;0 ns_extz=40;0", "+z", 10 + 4 * (1 - std::hypot(0.4, 0.25)) * 0.25 / std::hypot(0.4, 0.25)},
-    };
-    // A side limb grows from the trunk's foot or end; its radii are 4 * radscale0 and 4 * radscale.
-    const SFieldCase BranchCases[] = {
-        {"height=20;0 htlerp=0;0", "+z", 30},
-        {"htscale=3;0 htlerp=1;0", "+z", 40},
-        {"height=20;0 htscale=3;0 htlerp=0.5;0", "+z", 35},
-        {"repeat=2;0\nbranch_end", "+z", 30},
-        {"sub=1;0 heightq=0.25;0", "+z", 12.5},
-        {"sub=1;0 radscale0=3;0", "+x", 12},
-        {"radscale=3;0", "+x", 12},
-        {"sub=1;0 radscale0=3;0 subw=2;0", "+y", 5},
-        {"sub=1;0 heightq=1;0 rotabsy=90;0 rotqy=1;0 radscale=0;0", "-x", -10},
-        {"sub=1;0 heightq=1;0 rotrely=90;0 radscale=0;0", "-x", -10},
-        {"sub=1;0 heightq=1;0 rotrely=90;0 rotrelx=90;0 radscale=0;0", "+y", 10},
-        {"sub=1;0 heightq=1;0 rotrely=90;0 rotabsx=90;0 rotqx=1;0 radscale=0;0", "+y", 10},
-        {"sub=1;0 radscale0=3;0 rotrelz=45;0", "+x", 12 * DIAGONAL},
-        {"sub=1;0 radscale0=3;0 rotabsz=90;0 rotqz=0.5;0", "+x", 12 * DIAGONAL},
-    };
-    // A card stands along the trunk, its face towards Y.
-    const SFieldCase LeafCases[] = {
-        {"extx=7;0", "+x", 7},
-        {"exty=5;0 heightq=1;0", "+z", 15},
-        {"exty=5;0 heightq=0;0 depthq=1;0", "+z", 10},
-        {"rotrelx=90;0 extx=7;0", "+y", 7},
-        {"rotabsx=90;0 rotqx=1;0 extx=7;0", "+y", 7},
-        {"rotrely=90;0 exty=7;0", "+x", 7},
-        {"rotabsy=90;0 rotqy=0.5;0 extx=0;0 exty=7;0", "+x", 7 * DIAGONAL},
-        {"rotrelz=90;0 extx=7;0", "+y", 7},
-        {"rotabsz=90;0 rotqz=1;0 extx=7;0", "+y", 7},
-    };
     const auto Check = [&](const std::string& Before, const auto& Cases, UINT32 Part) {
         for (const SFieldCase& Case : Cases) {
             Grow(Before + Case.Fields + "\n");
