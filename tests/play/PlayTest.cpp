@@ -86,7 +86,7 @@ protected:
 TEST_F(PlayTest, ClosingTheWindowEndsInOrderAndLeavesNoErrorLog) {
     StartAndSee();
     // The window manager takes this key and asks the window to close, as its close button does.
-    Shell("xdotool key --clearmodifiers alt+F4");
+    Shell("xdotool windowfocus --sync " + Window + " key --clearmodifiers alt+F4");
     EXPECT_EQ(Game->WaitForEnd(LONGEST_END).value_or(-1), 0);
     // The pine tells how it grows, in lines that begin with a blank.
     std::istringstream Lines(Game->Output());
@@ -122,8 +122,8 @@ TEST_F(PlayTest, ThePictureStandsStillWithoutInputAndChangesWithEachKeyAndTheMou
 }
 
 TEST_F(PlayTest, MissingLevelEndsWithItsMessageOnEachRun) {
-    fs::remove(Folder / "SlopeRush/Data/Levels/Level1.wlm");
-    ExpectFatalEnd("CLevel::LoadSourceLevel - File read error - Data/Levels/Level1.wlm\n", "");
+    fs::remove(Folder / "SlopeRush/Data/Levels/Menu.wlm");
+    ExpectFatalEnd("CLevel::LoadSourceLevel - File read error - Data/Levels/Menu.wlm\n", "");
 }
 
 TEST_F(PlayTest, AShaderThatDoesNotCompileEndsWithItsLogOnEachRun) {

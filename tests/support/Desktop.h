@@ -58,7 +58,7 @@ public:
     }
     ~CProgram() {
         if (!WaitForEnd(0)) {
-            Shell("kill -KILL -- -" + Group);
+            Shell("kill -9 -" + Group);
         }
     }
     CProgram(const CProgram&) = delete;
