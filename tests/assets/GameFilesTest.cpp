@@ -47,6 +47,7 @@ protected:
                 Terrains.emplace_back();
                 ASSERT_EQ(ParseTerrainFile(Path, ReadText(GamePath(Path)).c_str(), Terrains.back()), 1);
                 Levels.push_back(Params);
+                Entities.push_back(Defs);
             }
         }
         ASSERT_FALSE(Levels.empty());
@@ -54,6 +55,7 @@ protected:
 
     std::vector<SLevelParams> Levels;
     std::vector<STerrainFile> Terrains; // one per level
+    std::vector<GArray<SEntityDef>> Entities;
 };
 
 using AssetGen = TempDirTest;
@@ -130,6 +132,32 @@ TEST_F(GameFiles, TheRideIsLevelAcrossAndClimbsByWholeLevels) {
             Below = Run;
         }
         EXPECT_GT(Below.Level - Lowest, (Last - First) / 2);
+    }
+}
+
+// Between the lowest and the highest sample around the place; some models are sunk a little, the rider falls a little.
+TEST_F(GameFiles, SceneryAndRidersStandOnTheGround) {
+    constexpr float SLACK = 8; // world units
+    for (std::size_t i = 0; i < Levels.size(); ++i) {
+        const SLevelParams& Level = Levels[i];
+        const SGamePicture Picture(Terrains[i].Picture);
+        for (const SEntityDef& Def : Entities[i]) {
+            const auto* Found = Def.Properties.Find("Position");
+            float x, y, z;
+            if (!Found || std::sscanf(Found->value.CStr(), "%f;%f;%f", &x, &y, &z) != 3) {
+                continue;
+            }
+            const int Column = static_cast<int>((x / Level.SizeX + 1) / 2 * static_cast<float>(Picture.Width));
+            const int Row = static_cast<int>((y / Level.SizeY + 1) / 2 * static_cast<float>(Picture.Height));
+            int Low = 255, High = 0;
+            for (int Corner = 0; Corner < 4; ++Corner) {
+                const int Sample = Picture.At(Column + Corner % 2, Row + Corner / 2, 0);
+                Low = std::min(Low, Sample);
+                High = std::max(High, Sample);
+            }
+            EXPECT_GE(z, static_cast<float>(Low) / 255 * Level.SizeZ - SLACK) << Found->value.CStr();
+            EXPECT_LE(z, static_cast<float>(High) / 255 * Level.SizeZ + SLACK) << Found->value.CStr();
+        }
     }
 }
 

@@ -56,7 +56,7 @@ protected:
     }
 
     // Level ground under the eye at Height, lit from straight above, with a shadow map of one depth (0 to 255).
-    SRgb DrawGround(float Height, UINT8 ShadowDepth) {
+    SRgb DrawGround(float Height, UINT8 ShadowDepth, float Air = 1) {
         Use("Terrain", "Terrain", LIGHT_AMBDIR);
         SetTexel(0, "NormalMap", {127, 127, 255, 0});
         SetTexel(1, "DetailMap", {230, 235, 240, 0});
@@ -69,7 +69,7 @@ protected:
         Set("LightDir", {0, 0, -1, 0});
         Set("LightColor", {1.0f, 0.84f, 0.58f});
         Set("AmbientColor", {0.1f, 0.15f, 0.2f});
-        Set("FogColor", {0.25f, 0.5f, 0.75f});
+        Set("FogColor", {0.25f * Air, 0.5f * Air, 0.75f * Air});
         Set("FogData", {1000, 2});
         ShaderSetUniform1f(32, Id, "DetailSize");
         return Draw(200);
@@ -105,6 +105,7 @@ TEST_F(Shaders, SnowInShadeIsDarkerAndBlueAndFogClosesAtItsDistance) {
     EXPECT_LT(Shade.R, Lit.R * 2 / 3);
     EXPECT_GT(Shade.B - Shade.R, 40);
     EXPECT_GT(Shade.B - Shade.R, Lit.B - Lit.R + 20);
+    EXPECT_LT(DrawGround(50, 0, 0.1f).B, Shade.B / 2) << "dark air gives little light";
     const SRgb Far = DrawGround(1000, 0);
     EXPECT_TRUE(std::abs(Far.R - 64) <= 2 && std::abs(Far.G - 128) <= 2 && std::abs(Far.B - 191) <= 2) << Far;
     EXPECT_GT(std::abs(DrawGround(10, 0).B - Far.B), 10);

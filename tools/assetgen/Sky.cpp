@@ -54,7 +54,7 @@ constexpr SSkyParams SKIES[] = {
      .Peaks = 5.2f},
     {.Name = "Noon",
      .Seed = 19,
-     .SunAngle = 5.3f,
+     .SunAngle = 2.75f,
      .SunPitch = 0.78f,
      .Zenith = {0.06f, 0.20f, 0.52f},
      .Middle = {0.22f, 0.47f, 0.82f},
@@ -66,8 +66,8 @@ constexpr SSkyParams SKIES[] = {
      .Peaks = 6.0f},
     {.Name = "Afternoon",
      .Seed = 31,
-     .SunAngle = 4.62f,
-     .SunPitch = 1.1f,
+     .SunAngle = 2.98f,
+     .SunPitch = 1.17f,
      .Zenith = {0.15f, 0.29f, 0.55f},
      .Middle = {0.52f, 0.60f, 0.72f},
      .Horizon = {0.96f, 0.78f, 0.55f},
@@ -93,7 +93,7 @@ constexpr SSkyParams SKIES[] = {
      .Peaks = 3.2f},
     {.Name = "Storm",
      .Seed = 53,
-     .SunAngle = 4.95f,
+     .SunAngle = 3.4f,
      .SunPitch = 1.2f,
      .Zenith = {0.18f, 0.21f, 0.27f},
      .Middle = {0.34f, 0.38f, 0.43f},
@@ -108,8 +108,8 @@ constexpr SSkyParams SKIES[] = {
      .Peaks = 4.6f},
     {.Name = "Night",
      .Seed = 67,
-     .SunAngle = 4.6f,
-     .SunPitch = 1.1f,
+     .SunAngle = 3.2f,
+     .SunPitch = 1.14f,
      .Zenith = {0.020f, 0.032f, 0.090f},
      .Middle = {0.050f, 0.085f, 0.190f},
      .Horizon = {0.130f, 0.185f, 0.310f},
@@ -184,10 +184,11 @@ public:
         const float y = Dir.y * Sheet;
         const float Warp = NoiseFbm(x * 0.9f, y * 0.9f, 4, Params.Seed + 330);
         const float Field = NoiseFbm(x * 1.1f + 0.8f * Warp, y * 1.1f - 0.6f * Warp, 6, Params.Seed + 340);
-        const float Depth = Field + 2.0f * (Params.Deck - 0.5f);
+        const float Torn = SmoothStep(0.96f, 1.0f, Dot(Dir, ToSun)); // the sun stands in a thin place
+        const float Depth = Field + 2.0f * (Params.Deck - 0.5f) - 0.6f * Torn;
         const float Cover = SmoothStep(-0.15f, 0.25f, Depth) * SmoothStep(0.03f, 0.30f, Dir.z);
         const Vec3 Body = MixColour(Params.Cloud, Params.DeckColour, SmoothStep(0.0f, 1.0f, Depth));
-        return MixColour(Colour, WithGlow(Body, Dir, 0.7f), Cover);
+        return MixColour(Colour, WithGlow(Body, Dir, 0.9f), Cover);
     }
 
     Vec3 WithClouds(const Vec3& Colour, const Vec3& Dir) const {

@@ -69,7 +69,8 @@ constexpr SSlopeParams SLOPES[] = {
      .Turns = 1.9f,
      .BankWidth = 22,
      .BankCurve = 0.025f,
-     .CrestHeight = 92,
+     .CrestHeight = 80,
+     .CrestChange = 0.6f,
      .Cliffs = 0.8f,
      .Knobs = 30},
     // A winding gully between high walls.
@@ -92,7 +93,9 @@ constexpr SSlopeParams SLOPES[] = {
      .Meander = 16,
      .Turns = 2.2f,
      .BankWidth = 9,
-     .CrestHeight = 70,
+     .CrestHeight = 50,
+     .CrestChange = 0.4f,
+     .OuterHeight = 50,
      .Cliffs = 0.6f,
      .Knobs = 20},
     // The back of a ridge: low banks, and behind them the ground falls away.
@@ -100,12 +103,12 @@ constexpr SSlopeParams SLOPES[] = {
      .Seed = 41,
      .FirstLevel = 52,
      .RiseRate = 0.66f,
-     .HalfWidth = 12,
+     .HalfWidth = 11.5f,
      .Meander = 20,
      .Turns = 2.4f,
-     .CrestHeight = 21,
-     .CrestChange = 0.25f,
-     .Drop = 48,
+     .CrestHeight = 18,
+     .CrestChange = 0.15f,
+     .Drop = 58,
      .OuterHeight = 60,
      .Cliffs = 0.5f,
      .Knobs = 0},
@@ -118,7 +121,9 @@ constexpr SSlopeParams SLOPES[] = {
      .Meander = 21,
      .Turns = 4.1f,
      .BankCurve = 0.08f,
-     .CrestHeight = 66,
+     .CrestHeight = 56,
+     .CrestChange = 0.35f,
+     .OuterHeight = 60,
      .Cliffs = 0.7f,
      .Knobs = 26},
     // Behind the title.
@@ -133,8 +138,9 @@ constexpr SSlopeParams SLOPES[] = {
      .Knobs = 16},
 };
 
-constexpr INT32 HEAD_ROWS = 11; // behind the start the ride rises two levels a row
-constexpr INT32 FOOT_ROWS = 11; // as it does beyond the finish, where riders come to rest
+constexpr float LEAST_HALF_WIDTH = 8; // samples: a narrow ride is not pinched off
+constexpr INT32 HEAD_ROWS = 11;       // behind the start the ride rises two levels a row
+constexpr INT32 FOOT_ROWS = 11;       // as it does beyond the finish, where riders come to rest
 
 constexpr float KNOB_RADIUS = 6.5f;   // samples across the slope
 constexpr float SAMPLE_ASPECT = 2.5f; // a row is that many times as long as a column is wide
@@ -203,7 +209,7 @@ private:
     float Offset(INT32 Column, INT32 Row) const {
         const float y = static_cast<float>(Row);
         const float Width = Params.HalfWidth * (1.0f + 0.35f * NoiseGradient(y * 0.035f, 0.5f, Params.Seed + 3));
-        return std::fabs(static_cast<float>(Column) - Centre(y)) - Width;
+        return std::fabs(static_cast<float>(Column) - Centre(y)) - std::max(Width, LEAST_HALF_WIDTH);
     }
 
     // Height over the ride in levels, Beside samples away from its edge.
