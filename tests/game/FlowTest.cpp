@@ -36,29 +36,24 @@ struct SText {
 
 class Flow : public LevelFixture {
 protected:
-    void SetUp() override {
-        LevelFixture::SetUp();
-        if (!Ready) {
-            return;
-        }
+    void Start() override {
+        LevelFixture::Start();
         GFont = new GLFont(1);
-        testing::internal::CaptureStdout();
+        ReleaseTrees(); // the game grows its own
         CreateGame();
-        GGame->Init();
-        testing::internal::GetCapturedStdout();
+        PrintedBy([] { GGame->Init(); });
         GMousePos = NO_BUTTON;
     }
-    void TearDown() override {
-        if (Ready) {
-            GGame->Free();
-            delete GGame;
-            GGame = nullptr;
-            GuiFree();
-            delete GFont;
-            GFont = nullptr;
-            GQuit = 0;
-        }
-        LevelFixture::TearDown();
+    void Finish() override {
+        GGame->Free();
+        delete GGame;
+        GGame = nullptr;
+        GuiFree();
+        delete GFont;
+        GFont = nullptr;
+        GQuit = 0;
+        PrintedBy(GrowTrees);
+        LevelFixture::Finish();
     }
 
     static void Steps(int Count) {

@@ -11,14 +11,11 @@ class GameFixture : public LevelFixture {
 protected:
     void Start() override {
         LevelFixture::Start();
-        PrintedBy(GrowTrees); // the tree's script tells what it grows
-        ResetGameState();
         GGameState = GAME_PLAYING;
     }
     void Finish() override {
         DropLevel();
         ReleaseKeys();
-        ReleaseTrees();
         LevelFixture::Finish();
     }
 

@@ -6,6 +6,8 @@
 
 #include <GL/glew.h>
 
+#include "game/GameState.h"
+#include "game/Wood.h"
 #include "graphics/ShaderLib.h"
 #include "graphics/TextureStorage.h"
 #include "input/Input.h"
@@ -31,13 +33,16 @@ protected:
             }
         }
         InputReset();
+        ResetGameState();
         GMousePos = GLastMousePos = {};
         ShaderLibInit();
         PhyInit();
+        PrintedBy(GrowTrees); // the tree's script tells what it grows
     }
 
     void Finish() override {
         DropLevel();
+        ReleaseTrees();
         EXPECT_EQ(GPhyWorld->getNumCollisionObjects(), 0);
         EXPECT_EQ(GTextureByName.root, nullptr);
         PhyFree();
