@@ -1,7 +1,9 @@
-// Whole rides, faster than real time and without a picture: the levels can be won, and a ride repeats itself.
+// The shipped levels: they load in silence, and whole rides, faster than real time and without a picture, can be won
+// and repeat themselves.
 #include "game/Bot.h"
 #include "game/GameFixture.h"
 #include "platform/Platform.h"
+#include "terrain/Terrain.h"
 
 #include <vector>
 
@@ -47,6 +49,20 @@ protected:
         });
     }
 };
+
+TEST_F(Ride, ShippedLevelsLoadAndRunInSilence) {
+    for (const auto& Entry : fs::directory_iterator("Data/Levels")) {
+        SCOPED_TRACE(Entry.path());
+        EXPECT_EQ(PrintedBy([&] {
+                      LoadLevel(Entry.path().string()).Update(STEP);
+                      GLevel->Render(1.0f);
+                  }),
+                  "");
+        EXPECT_TRUE(GLevel->Terrain->Body && GLevel->Sky.Texture);
+        EXPECT_EQ(GLevel->Entities.count, GLevel->EntityDefs.count);
+        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    }
+}
 
 TEST_F(Ride, TheBotWinsEveryLevel) {
     for (UINT32 Level = 0; Level < LEVEL_COUNT; ++Level) {

@@ -35,20 +35,6 @@ TEST_F(Level, BrokenFilesAreFatalInTheseWords) {
     EXPECT_EQ(ReadText("error.log"), Log);
 }
 
-TEST_F(Level, ShippedLevelsLoadAndRunInSilence) {
-    for (const auto& Entry : fs::directory_iterator("Data/Levels")) {
-        SCOPED_TRACE(Entry.path());
-        EXPECT_EQ(PrintedBy([&] {
-                      LoadLevel(Entry.path().string()).Update(STEP);
-                      GLevel->Render(1.0f);
-                  }),
-                  "");
-        EXPECT_TRUE(GLevel->Terrain->Body && GLevel->Sky.Texture);
-        EXPECT_EQ(GLevel->Entities.count, GLevel->EntityDefs.count);
-        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
-    }
-}
-
 TEST_F(Level, RunsWithoutSkyAndTerrainAndTheEditorBodyHangs) {
     for (const char* Lines : {"", "terrain file=No.ter sx=10 sy=10 sz=10\nscene sky=No.png\n"}) {
         PrintedBy([&] { LoadText(std::string("WLMF\n") + Lines); });

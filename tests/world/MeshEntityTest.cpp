@@ -149,7 +149,7 @@ TEST_F(Scenery, AWoodWithItsRiderLooksAsItWasKept) {
         GLevel->RemoveSpatialClient(Tree.get());
         MeshRelease(Tree->Mesh);
     }
-    EXPECT_EQ(GLevel->SpatialClients.count, GLevel->Entities.count) << "scenery and the rider";
+    EXPECT_EQ(GLevel->SpatialClients.count, GLevel->Entities.count) << "nothing but scenery is left";
     DropLevel();
 }
 
