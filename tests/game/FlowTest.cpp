@@ -40,6 +40,7 @@ protected:
         LevelFixture::Start();
         GFont = new GLFont(1);
         ReleaseTrees(); // the game grows its own
+        PlatSeedRand(1);
         CreateGame();
         PrintedBy([] { GGame->Init(); });
         GMousePos = NO_BUTTON;
@@ -52,7 +53,7 @@ protected:
         delete GFont;
         GFont = nullptr;
         GQuit = 0;
-        PrintedBy(GrowTrees);
+        GrowTree();
         LevelFixture::Finish();
     }
 

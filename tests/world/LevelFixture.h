@@ -12,6 +12,7 @@
 #include "graphics/TextureStorage.h"
 #include "input/Input.h"
 #include "physics/Physics.h"
+#include "platform/Platform.h"
 #include "support/GoldenPicture.h"
 #include "world/GameLevel.h"
 
@@ -37,7 +38,7 @@ protected:
         GMousePos = GLastMousePos = {};
         ShaderLibInit();
         PhyInit();
-        PrintedBy(GrowTrees); // the tree's script tells what it grows
+        GrowTree();
     }
 
     void Finish() override {
@@ -48,6 +49,12 @@ protected:
         PhyFree();
         glUseProgram(0);
         ShaderLibFree();
+    }
+
+    // The same tree as at the start of a program. Its script tells what it grows.
+    static void GrowTree() {
+        PlatSeedRand(1);
+        PrintedBy(GrowTrees);
     }
 
     static CLevel& LoadLevel(const std::string& Path) {
