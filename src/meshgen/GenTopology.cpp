@@ -124,10 +124,8 @@ void CGenTopology::MergeInto(UINT32 Kept, UINT32 Gone) {
         Part.Indices[Corner] = Kept;
         NextCorner[Corner] = FirstCorner[Kept];
         FirstCorner[Kept] = Corner;
+        // The two were not at quite the same place.
+        UpdatePlane(Corner / 3);
         Corner = Next;
-    }
-    // The two were not at quite the same place.
-    for (UINT32 i = FirstCorner[Kept]; i != NONE; i = NextCorner[i]) {
-        UpdatePlane(i / 3);
     }
 }

@@ -11,7 +11,7 @@
 namespace {
 
 // A tree beyond these is a slip in a count; without a limit it would fill the memory or run for hours.
-constexpr UINT64 MOST_VERTICES = 200000;
+constexpr UINT64 MOST_VERTICES = 100000;
 constexpr UINT32 MOST_COMMANDS = 1000000;
 
 constexpr UINT32 PART_COUNT = 2; // wood, foliage

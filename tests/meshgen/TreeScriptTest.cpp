@@ -241,7 +241,7 @@ TEST_F(TreeScript, WhatIsOutOfPlaceStopsWithTheFile) {
         {"shade part=2", "there is no part 2, file: Data/t.mgn"},
         {Head + "branch sub=1;0 subw=1;0", "xsub > 1 && ysub > 0"},
         {Head + "branch subh=0;0", "xsub > 1 && ysub > 0"},
-        {Head + "leaf repeat=1000000000;0", "the tree has more than 200000 vertices, file: Data/t.mgn"},
+        {Head + "leaf repeat=1000000000;0", "the tree has more than 100000 vertices, file: Data/t.mgn"},
         {Head + "repeat count=1000000000;0\nrepeat_end", "more than 1000000 commands were run, file: Data/t.mgn"},
     };
     for (const auto& [Script, Message] : Cases) {
