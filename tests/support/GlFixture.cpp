@@ -15,8 +15,8 @@ pid_t WindowOwner = 0;
 // Tells a death test's process in which directory the case works.
 constexpr const char* DIR_VARIABLE = "SLOPERUSH_TEST_DIR";
 
-// SDL is left when the process ends and before a leak checker looks: by then no thread of the driver may live, since a
-// thread that is just starting or ending makes the checker fall. A forked child has no such threads to wait for.
+// SDL is left when the process ends and before a leak checker looks, so that nothing is reported that hangs on the
+// driver's threads. A forked child has no such threads to wait for.
 void LeaveWindow() {
     if (getpid() == WindowOwner) {
         SDL_Quit();
