@@ -1,134 +1,128 @@
-#include "support/Desktop.h"
+// Every screen, by real keys and clicks, and the ends that the program comes to.
+#include "play/PlayFixture.h"
 
-#include <gtest/gtest.h>
-#include <memory>
-#include <sstream>
+#include <regex>
 
 namespace {
 
-constexpr double LONGEST_LOAD = 90.0; // seconds; software GL under sanitizers on two busy cores
-constexpr double LONGEST_END = 60.0;  // seconds
-constexpr std::size_t EMPTY_WINDOW_COLORS = 16;
-constexpr int FATAL_STATUS = 222;
+using Play = PlayFixture;
 
-// Runs the game from a copy of its build tree, which a case may spoil. In place of the program that shows messages
-// stands a script that writes down what it was asked to show and goes on, so that no box waits for a person.
-class PlayTest : public testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_NE(std::getenv("DISPLAY"), nullptr) << "needs a display with a window manager; ./check starts one";
-        std::string Name = (fs::temp_directory_path() / "sloperush-play-XXXXXX").string();
-        ASSERT_NE(mkdtemp(Name.data()), nullptr);
-        Folder = Name;
-        const fs::path Built = SLOPERUSH_EXECUTABLE;
-        fs::copy(Built, Folder / "sloperush");
-        fs::copy(Built.parent_path() / "SlopeRush", Folder / "SlopeRush", fs::copy_options::recursive);
-        fs::create_directory(Folder / "programs");
-        std::ofstream(Folder / "programs/zenity") << "#!/bin/sh\nprintf '%s\\n' \"$@\" >>'" << Name << "/boxes.txt'\n";
-        fs::permissions(Folder / "programs/zenity", fs::perms::owner_all);
-        static const std::string Path = std::getenv("PATH");
-        setenv("PATH", (Name + "/programs:" + Path).c_str(), 1);
-        setenv("ALSOFT_DRIVERS", "null", 1);
+TEST_F(Play, ARideGoesFromTheLogoThroughPauseAndMenuToAnOrderlyEnd) {
+    ASSERT_NO_FATAL_FAILURE(StartToLogo());
+    // Its white rim and letters come down over the evening.
+    ASSERT_TRUE(Soon([&] { return TextColumns(TITLE, PLAIN).size() > 250; })) << "the logo";
+    ASSERT_TRUE(HoldUntil("space", [&] { return SeesTitle(); }));
+    EXPECT_TRUE(Says("Start", FIRST_BUTTON) && Says("Quit", SECOND_BUTTON));
+    bool Loading = false;
+    ASSERT_TRUE(Click(FIRST_BUTTON, [&] {
+        Loading = Loading || Says("Loading...", LOADING);
+        return SeesRide();
+    }));
+    EXPECT_TRUE(Loading);
+    const CPixels Before = PictureOf(Window, SCENE);
+    const auto HasMoved = [&] { return MeanDifference(PictureOf(Window, SCENE), Before) > 10; };
+    EXPECT_TRUE(HoldUntil("Up", HasMoved));
+    EXPECT_FALSE(StandsStill());
+    EXPECT_TRUE(HoldUntil("Escape", [&] { return StandsStill(); }));
+    EXPECT_TRUE(StandsStill());
+    EXPECT_TRUE(Click(FIRST_BUTTON, [&] { return !StandsStill(); })) << "Continue";
+    ExpectOrderlyEnd();
+}
+
+TEST_F(Play, KeysTurnTheRiderCutAndPush) {
+    WriteQuickLevels();
+    ASSERT_NO_FATAL_FAILURE(StartToRide());
+    CPixels Before = PictureOf(Window, SCENE);
+    EXPECT_TRUE(HoldUntil("Left", [&] { return ShiftSince(Before) > 8; })) << "the world goes to the right";
+    Before = PictureOf(Window, SCENE);
+    EXPECT_TRUE(HoldUntil("Right", [&] { return ShiftSince(Before) < -8; }));
+    EXPECT_TRUE(SeesRide()) << "no tree is cut yet";
+    EXPECT_TRUE(HoldUntil("space", [&] { return Says("Trees cut: 40/20", TREES, GREEN); }));
+}
+
+TEST_F(Play, FailedAndWonLevelsLeadThroughTheGameAndToItsBeginning) {
+    WriteQuickLevels();
+    ASSERT_NO_FATAL_FAILURE(StartToRide());
+    ASSERT_TRUE(HoldUntil("Up", [&] { return Says("You didn't cut enough trees!", HEADING, RED); }));
+    EXPECT_TRUE(Says("Retry level", FIRST_BUTTON) && Says("Back to menu", SECOND_BUTTON));
+    for (const std::string Quota : {"20", "25", "30", "35", "40"}) {
+        ASSERT_TRUE(Click(FIRST_BUTTON, [&] { return Says("Trees cut: 0/" + Quota, TREES, RED); })) << Quota;
+        ASSERT_TRUE(HoldUntil("space", [&] { return Says("Trees cut: 40/" + Quota, TREES, GREEN); })) << Quota;
+        const bool Last = Quota == "40";
+        const char* const Result = Last ? "You finished the game!" : "You completed the level!";
+        ASSERT_TRUE(HoldUntil("Up", [&] { return Says(Result, HEADING, GREEN); })) << Quota;
+        EXPECT_TRUE(Says(Last ? "Restart game" : "Continue", FIRST_BUTTON)) << Quota;
     }
-    void TearDown() override {
-        Game.reset();
-        if (!Folder.empty()) {
-            fs::remove_all(Folder);
-        }
-    }
+    ASSERT_TRUE(Click(FIRST_BUTTON, [&] { return SeesRide(); }));
+    ExpectOrderlyEnd();
+}
 
-    fs::path Boxes() const { return Folder / "boxes.txt"; }
-    fs::path ErrorLog() const { return Folder / "SlopeRush/error.log"; }
-
-    // From another directory than the game's own: it has to find its data itself.
-    void Start(const std::string& Variables = "") {
-        Game.reset();
-        Game = std::make_unique<CProgram>(Folder, "sloperush", Variables);
-    }
-
-    // Starts it and waits until the level is on the screen.
-    void StartAndSee() {
-        Start();
-        Window = FindWindow("SlopeRush", 60);
-        ASSERT_FALSE(Window.empty()) << Game->Output();
-        for (double Waited = 0.0; CountColors(PictureOf(Window)) <= EMPTY_WINDOW_COLORS; Waited += 0.5) {
-            ASSERT_LT(Waited, LONGEST_LOAD) << "nothing is drawn\n" << Game->Output();
-            ASSERT_TRUE(Game->IsRunning()) << Game->Output();
-            Wait(0.5);
-        }
-        Shell("xdotool windowfocus --sync " + Window);
-    }
-
-    // Twice, with a message that begins and goes on like that in the log and in the box. Such an end takes nothing
-    // down, so a leak checker is not asked.
-    void ExpectFatalEnd(const std::string& Message, const std::string& More) {
-        std::string Once;
-        for (int Run = 0; Run < 2; ++Run) {
-            Start("ASAN_OPTIONS=detect_leaks=0");
-            EXPECT_EQ(Game->WaitForEnd(LONGEST_LOAD).value_or(-1), FATAL_STATUS) << Game->Output();
-            EXPECT_EQ(Game->Output().find("It ends here..."), std::string::npos);
-            const std::string Log = ReadText(ErrorLog());
-            Once = Run ? Once : Log;
-            EXPECT_EQ(Log, Run ? Once + Once : Once);
-        }
-        EXPECT_EQ(Once.find(Message), 0u) << Once;
-        EXPECT_NE(Once.find(More), std::string::npos) << Once;
-        const std::string Shown = ReadText(Boxes());
-        EXPECT_NE(Shown.find("Error!\n"), std::string::npos) << Shown;
-        EXPECT_NE(Shown.find(Once), std::string::npos) << Shown;
-    }
-
-    fs::path Folder;
-    std::unique_ptr<CProgram> Game;
-    std::string Window;
-};
-
-TEST_F(PlayTest, ClosingTheWindowEndsInOrderAndLeavesNoErrorLog) {
-    StartAndSee();
+TEST_F(Play, ClosingTheWindowEndsInOrder) {
+    ASSERT_NO_FATAL_FAILURE(StartToLogo());
     // The window manager takes this key and asks the window to close, as its close button does.
-    Shell("xdotool windowfocus --sync " + Window + " key --clearmodifiers alt+F4");
-    EXPECT_EQ(Game->WaitForEnd(LONGEST_END).value_or(-1), 0);
+    Shell("xdotool key --clearmodifiers alt+F4");
+    EXPECT_EQ(Game->WaitForEnd(LONGEST), 0);
     // The pine tells how it grows, in lines that begin with a blank.
-    std::istringstream Lines(Game->Output());
-    std::string Printed;
-    for (std::string Line; std::getline(Lines, Line);) {
-        Printed += Line[0] == ' ' ? "" : Line + "\n";
-    }
+    const std::string Printed = std::regex_replace(Game->Output(), std::regex("\n( [^\n]*\n)+"), "\n");
     EXPECT_EQ(Printed, "Starting the game...\nSDL successfully initialized\nDumping memory leaks...\n"
                        "It ends here...\n");
-    EXPECT_FALSE(fs::exists(ErrorLog()) || fs::exists(Boxes()));
+    EXPECT_EQ(ErrorLog() + Boxes(), "");
 }
 
-TEST_F(PlayTest, ThePictureStandsStillWithoutInputAndChangesWithEachKeyAndTheMouse) {
-    StartAndSee();
-    Wait(1.0);
-    CPixels Before = PictureOf(Window);
-    Wait(0.5);
-    const double Still = MeanDifference(Before, PictureOf(Window));
-    EXPECT_LT(Still, 1.0);
-    for (const char* Key : {"w", "s", "a", "d"}) {
-        Before = PictureOf(Window);
-        HoldKey(Key, 1.0);
-        EXPECT_GT(MeanDifference(Before, PictureOf(Window)), 1.0 + 3.0 * Still) << Key;
-        Wait(3.0); // the camera coasts to a halt
+TEST_F(Play, WithoutASoundDeviceItAsksAndPlaysOnOrEnds) {
+    WriteQuickLevels();
+    Answer(1);
+    Start("ALSOFT_DRIVERS=none");
+    EXPECT_EQ(Game->WaitForEnd(LONGEST), 0) << "No";
+    EXPECT_NE(Boxes().find("alcOpenDevice failed - default device could not be opened\n\n"
+                           "Do you want to continue without sound?\n"),
+              std::string::npos)
+        << Boxes();
+    Answer(0);
+    ASSERT_NO_FATAL_FAILURE(StartToRide("ALSOFT_DRIVERS=none"));
+    EXPECT_TRUE(HoldUntil("space", [&] { return Says("Trees cut: 40/20", TREES, GREEN); }));
+    ExpectOrderlyEnd();
+}
+
+TEST_F(Play, WithoutTheFontsTableItPlaysUnlettered) {
+    WriteQuickLevels();
+    fs::remove(Data("Engine/Font.dat"));
+    ASSERT_NO_FATAL_FAILURE(StartToMenu());
+    EXPECT_TRUE(TextColumns(FIRST_BUTTON.Part, PLAIN).empty());
+    ASSERT_TRUE(Click(FIRST_BUTTON, [&] { return !SeesTitle(); }));
+    EXPECT_TRUE(HoldUntil("Escape", [&] { return true; }));
+    ASSERT_TRUE(Click(SECOND_BUTTON, [&] { return SeesTitle(); }));
+}
+
+// A rider in the menu loads the sounds at the start. The log grows with each run.
+TEST_F(Play, MissingAndDamagedFilesEndWithTheirWords) {
+    std::ofstream(Data("Levels/Menu.wlm"), std::ios::app) << "entity Rider Position=0;0;2000\n";
+    // Its name, what stands in it now, if it is not missing, how the message begins, and a word of it.
+    const char* const Damages[][4] = {
+        {"Levels/Menu.wlm", nullptr, "CLevel::LoadSourceLevel - File read error - Data/Levels/Menu.wlm\n", ""},
+        {"Shaders/FSQuad.psh", "void main() { nonsense; }\n", "-SHADER COMPILE ERROR-\n", "nonsense"},
+        {"Music/rush.ogg", nullptr, "Ogg file Data/Music/rush.ogg is not found or accessible\n", ""},
+        {"Music/rush.ogg", "OggS", "Ogg loader could not parse the file (Data/Music/rush.ogg)", "damaged"},
+        {"Sounds/sword-hit.wav", nullptr, "Trying to load a bad wave file - Data/Sounds/sword-hit.wav\n", "exist"},
+        {"Sounds/snow-slide-1.wav", "RIFF", "Trying to load a bad wave file - Data/Sounds/snow-slide-1.wav\n", ""},
+        {"Engine/Font.tga", "no picture", "-ASSERT-\n", "FontTex"},
+    };
+    std::string Log;
+    for (const auto& [Name, Content, Message, More] : Damages) {
+        SCOPED_TRACE(Name);
+        const fs::path File = Data(Name);
+        const std::string Whole = ReadText(File);
+        Content ? void(std::ofstream(File) << Content) : void(fs::remove(File));
+        Start("ASAN_OPTIONS=detect_leaks=0"); // such an end takes nothing down
+        EXPECT_EQ(Game->WaitForEnd(LONGEST).value_or(-1), FATAL_STATUS) << Game->Output();
+        EXPECT_EQ(Game->Output().find("It ends here..."), std::string::npos);
+        const std::string Before = std::exchange(Log, ErrorLog());
+        EXPECT_EQ(Log.find(Before), 0u);
+        EXPECT_EQ(Log.find(Message, Before.size()), Before.size()) << Log;
+        EXPECT_NE(Log.find(More, Before.size()), std::string::npos) << Log;
+        EXPECT_NE(Boxes().find("Error!\n--text\n" + Log.substr(Before.size())), std::string::npos) << Log;
+        std::ofstream(File, std::ios::binary) << Whole;
     }
-    for (const auto& [X, Y] : {std::pair{6, 0}, {0, 6}}) {
-        Before = PictureOf(Window);
-        MoveMouse(X, Y, 10);
-        Wait(0.5);
-        EXPECT_GT(MeanDifference(Before, PictureOf(Window)), 2.0) << X << ' ' << Y;
-    }
-    EXPECT_TRUE(Game->IsRunning()) << Game->Output();
-}
-
-TEST_F(PlayTest, MissingLevelEndsWithItsMessageOnEachRun) {
-    fs::remove(Folder / "SlopeRush/Data/Levels/Menu.wlm");
-    ExpectFatalEnd("CLevel::LoadSourceLevel - File read error - Data/Levels/Menu.wlm\n", "");
-}
-
-TEST_F(PlayTest, AShaderThatDoesNotCompileEndsWithItsLogOnEachRun) {
-    std::ofstream(Folder / "SlopeRush/Data/Shaders/FSQuad.psh") << "void main() { nonsense; }\n";
-    ExpectFatalEnd("-SHADER COMPILE ERROR-\n", "nonsense");
 }
 
 } // namespace

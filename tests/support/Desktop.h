@@ -1,4 +1,4 @@
-// The player's side of the display: starts the game, finds its window, looks at it, and presses real keys.
+// The player's side of the display: starts the game, finds its window, looks at it, presses real keys and clicks.
 //
 // Works through the shell and the programs xdotool and import, on the display in DISPLAY, which needs a window manager.
 // Keys go to the window with the focus, so only one such test may run on a display at a time. Waiting is bounded.
@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -13,7 +14,6 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
-#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -54,11 +54,13 @@ public:
         const std::string Command = "cd /; " + Variables + " ./" + (Folder / Executable).relative_path().string();
         const std::string Out = Folder.string() + "/output.txt", Code = Folder.string() + "/code.txt";
         fs::remove(Code);
-        Group = Shell("setsid sh -c '" + Command + " >" + Out + " 2>&1; echo $? >" + Code + "' >/dev/null & echo $!");
+        Group = std::atoi(
+            Shell("setsid sh -c '" + Command + " >" + Out + " 2>&1; echo $? >" + Code + "' >/dev/null & echo $!")
+                .c_str());
     }
     ~CProgram() {
-        if (!WaitForEnd(0)) {
-            Shell("kill -9 -" + Group);
+        if (Group > 0 && !WaitForEnd(0)) {
+            kill(-Group, SIGKILL);
         }
     }
     CProgram(const CProgram&) = delete;
@@ -79,7 +81,7 @@ public:
 
 private:
     fs::path Folder;
-    std::string Group; // of processes
+    int Group = 0; // of processes
 };
 
 // The visible window with exactly that title, once there is one; empty after that time.
@@ -89,26 +91,37 @@ inline std::string FindWindow(const std::string& Title, int Seconds) {
     return Id.substr(0, Id.find('\n'));
 }
 
-// What a window shows; empty if it is gone.
-inline CPixels PictureOf(const std::string& Window) {
-    const std::string Bytes = Shell("import -window " + Window + " -depth 8 rgb:-");
+// Left and top edge, width and height of a part of a window.
+struct SPart {
+    int X = 0, Y = 0, Width = 1024, Height = 576;
+};
+
+// What a part of a window shows; empty if the window is gone.
+inline CPixels PictureOf(const std::string& Window, const SPart& Part = {}) {
+    char Crop[80];
+    std::snprintf(Crop, sizeof(Crop), " -crop %dx%d+%d+%d +repage", Part.Width, Part.Height, Part.X, Part.Y);
+    const std::string Bytes = Shell("import -window " + Window + Crop + " -depth 8 rgb:-");
     return {Bytes.begin(), Bytes.end()};
 }
 
-// Keys by X's names, as "w" or "Escape", go to the window with the focus.
-inline void HoldKey(const std::string& Key, double Seconds) {
-    Shell("xdotool keydown " + Key);
-    Wait(Seconds);
-    Shell("xdotool keyup " + Key);
+inline void MoveMouse(const std::string& Window, int X, int Y) {
+    Shell("xdotool mousemove --window " + Window + " " + std::to_string(X) + " " + std::to_string(Y));
 }
 
-// Moves the mouse as a hand does, in small steps.
-inline void MoveMouse(int X, int Y, int Steps) {
-    for (int i = 0; i < Steps; ++i) {
-        Shell("xdotool mousemove_relative -- " + std::to_string(X) + " " + std::to_string(Y));
-        Wait(0.02);
+// A key by X's name, as "w" or "Escape", or a button of the mouse by its number, down as long as this lives. Keys go to
+// the window with the focus, buttons to the one under the mouse.
+class CHeld {
+public:
+    CHeld(const std::string& Kind, const std::string& Name) : Kind(Kind), Name(Name) {
+        Shell("xdotool " + Kind + "down " + Name);
     }
-}
+    ~CHeld() { Shell("xdotool " + Kind + "up " + Name); }
+    CHeld(const CHeld&) = delete;
+    CHeld& operator=(const CHeld&) = delete;
+
+private:
+    std::string Kind, Name;
+};
 
 // The mean difference of a channel, 0 to 255. Pictures of different size differ by 255.
 inline double MeanDifference(const CPixels& A, const CPixels& B) {
@@ -117,13 +130,4 @@ inline double MeanDifference(const CPixels& A, const CPixels& B) {
         Sum += std::abs(A[i] - B[i]);
     }
     return std::min(255.0, Sum / static_cast<double>(A.size()));
-}
-
-// How many different colours there are in it.
-inline std::size_t CountColors(const CPixels& Pixels) {
-    std::set<std::uint32_t> Colors;
-    for (std::size_t i = 0; i + 2 < Pixels.size(); i += 3) {
-        Colors.insert(Pixels[i] << 16 | Pixels[i + 1] << 8 | Pixels[i + 2]);
-    }
-    return Colors.size();
 }
