@@ -2,6 +2,7 @@
 
 #include "foundation/Diagnostics.h"
 #include "foundation/MemPool.h"
+#include "game/Gui.h"
 #include "game/IGame.h"
 #include "graphics/DrawingState.h"
 #include "graphics/ShaderLib.h"
@@ -90,6 +91,7 @@ void StartServices() {
 void StopServices() {
     delete GFont;
     GFont = nullptr;
+    GuiFree();
     PhyFree();
     SoundShutdown();
     ShaderLibFree();

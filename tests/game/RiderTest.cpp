@@ -102,9 +102,7 @@ TEST_F(Rider, AStrokeFellsAllTreesInReachAndInTheConeAndNoOther) {
         Trees += Line;
     }
     CRider& Rider = FlyingRider(Trees);
-    for (auto* Node = GPhyCallbacks.first; Node; Node = Node->next) {
-        Rider.Body->setCollisionFlags(btCollisionObject::CF_NO_CONTACT_RESPONSE); // trees do not push it
-    }
+    Rider.Body->setCollisionFlags(btCollisionObject::CF_NO_CONTACT_RESPONSE); // trees do not push it
     std::map<const CTree*, Vec3> Before;
     Step({SDLK_SPACE});
     for (CEntity* Entity : GLevel->Entities) {
