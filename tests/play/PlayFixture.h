@@ -94,10 +94,13 @@ protected:
         ASSERT_NO_FATAL_FAILURE(StartToMenu(Variables));
         ASSERT_TRUE(Click(FIRST_BUTTON, [&] { return SeesRide(); }));
     }
-    // Through the pause and the menu.
-    void ExpectOrderlyEnd() {
+    // Through the pause.
+    void GoBackToMenu() {
         ASSERT_TRUE(HoldUntil("Escape", [&] { return StandsStill(); }));
         ASSERT_TRUE(Click(SECOND_BUTTON, [&] { return SeesTitle(); }));
+    }
+    void ExpectOrderlyEnd() {
+        ASSERT_NO_FATAL_FAILURE(GoBackToMenu());
         ASSERT_TRUE(Click(SECOND_BUTTON, [&] { return !Game->IsRunning(); })) << "Quit";
         EXPECT_EQ(Game->WaitForEnd(0), 0) << Game->Output();
         EXPECT_EQ(ErrorLog(), "");
