@@ -12,7 +12,7 @@
 namespace {
 
 constexpr UINT32 CLIENTS = 4000;
-constexpr float SIDE = 1900; // of the square that they stand in, with the eye at its middle
+constexpr float SIDE = 1560; // of the square that they stand in, with the eye at its middle
 
 // The mesh is never drawn, so it needs no buffers.
 struct SWood {

@@ -41,12 +41,14 @@ bool M_BBoxOutsidePlanes(const BBox& Box, const Plane* Planes, int Count) {
     return false;
 }
 
+// How far p lies outside of the range.
+static float GapAlong(float Low, float High, float p) {
+    return std::max(std::max(Low - p, p - High), 0.0f);
+}
+
 float M_BBoxDistance(const BBox& Box, const Vec3& p) {
-    Vec3 Gap;
-    for (int Axis = 0; Axis < 3; ++Axis) {
-        Gap[Axis] = std::max({Box.Min[Axis] - p[Axis], p[Axis] - Box.Max[Axis], 0.0f});
-    }
-    return M_Length(Gap);
+    return M_Length({GapAlong(Box.Min.x, Box.Max.x, p.x), GapAlong(Box.Min.y, Box.Max.y, p.y),
+                     GapAlong(Box.Min.z, Box.Max.z, p.z)});
 }
 
 bool M_BBoxOverlap(const BBox& a, const BBox& b) {

@@ -24,7 +24,5 @@ void SortDrawEntries(GArray<SDrawEntry>& Entries) {
     if (Entries.count < 2) {
         return;
     }
-    GCombSort(Entries, [](const SDrawEntry& Lower, const SDrawEntry& Upper) {
-        return Upper.Record->SortKey < Lower.Record->SortKey;
-    });
+    GCombSort(Entries, [](const SDrawEntry& Lower, const SDrawEntry& Upper) { return Upper.SortKey < Lower.SortKey; });
 }

@@ -45,15 +45,17 @@ struct SRenderData {
     UINT8 SkinStride = 0;
     UINT32 SkinWeightOffset = NO_OFFSET; // four floats, texture unit 2
     UINT32 SkinIndexOffset = NO_OFFSET;  // four bytes, attribute "Indices"
-    UINT64 SortKey = 0;                  // written by the frame pipeline
+
+    // Written by the frame pipeline.
+    UINT64 SortKey = 0;
+    UINT32 PartId = 0;
+    IRenderable* Client = nullptr; // whom to ask for the rest
 };
 
-// What is sorted: where a record lies, and whom to ask for the rest.
+// What is sorted: where a record lies, and its key, so that sorting reads nothing else.
 struct SDrawEntry {
+    UINT64 SortKey = 0;
     const SRenderData* Record = nullptr;
-    UINT32 RecordIndex = 0;
-    UINT32 PartId = 0;
-    IRenderable* Client = nullptr;
 };
 
 // Ascending keys are the order of drawing: opaque records grouped by state and then near ones first, then the

@@ -89,8 +89,8 @@ TEST_F(Scenery, TheFrameListIsSortedByStateAndCostsNoMemoryOnceWarm) {
     std::map<UINT64, int> Runs;
     for (UINT32 i = 0; i < GLevel->SceneEntries.count; ++i) {
         const SDrawEntry& Entry = GLevel->SceneEntries[i];
-        EXPECT_EQ(Entry.Record, &GLevel->SceneRecords[Entry.RecordIndex]);
-        EXPECT_EQ(Entry.Client->BlendFactor, 0.5f);
+        EXPECT_EQ(Entry.SortKey, Entry.Record->SortKey);
+        EXPECT_EQ(Entry.Record->Client->BlendFactor, 0.5f);
         if (i > 0) {
             const SRenderData& Before = *GLevel->SceneEntries[i - 1].Record;
             EXPECT_LE(Before.SortKey, Entry.Record->SortKey);

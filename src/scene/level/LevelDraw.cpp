@@ -144,7 +144,7 @@ void CListDrawing::SetState(const SDrawEntry& Entry) {
     SetSkin(Rd);
     BindUnit(0, Rd.Texture0);
     BindUnit(1, Rd.Texture1);
-    Entry.Client->SetupPart(Entry.PartId, Program);
+    Rd.Client->SetupPart(Rd.PartId, Program);
     SetMaps();
     ShaderSendViewMatrix(Program);
     ShaderSendProjectionMatrix(Program);
@@ -171,7 +171,7 @@ void CListDrawing::Draw(const SDrawEntry& Entry) {
     if (Rd.StateId != StateId) {
         SetState(Entry);
     }
-    const UINT32 Count = Entry.Client->GetWorldMatrices(Matrices);
+    const UINT32 Count = Rd.Client->GetWorldMatrices(Matrices);
     ShaderSetUniformMatrices(Matrices[0].M, Program, "WorldMatrix", static_cast<INT32>(Count));
     DrawIndices(Rd);
 }
@@ -206,7 +206,7 @@ bool IsLeftOutOfLight(const SDrawEntry& Entry, const Frustum& View) {
         return true;
     }
     BBox Bounds;
-    Entry.Client->GetBounds(&Bounds);
+    Entry.Record->Client->GetBounds(&Bounds);
     return M_BBoxOutsideFrustum(Bounds, View);
 }
 

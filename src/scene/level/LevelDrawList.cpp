@@ -7,21 +7,24 @@ namespace {
 // A record at the end of the array, empty but for the storage it had. Growing by doubling keeps whole pictures free of
 // allocations once the list was long enough.
 SRenderData& NewRecord(GArray<SRenderData>& Records) {
-    Records.Add(SRenderData());
+    if (Records.count == Records.Capacity) {
+        Records.Reserve(2 * Records.count + 1);
+    }
+    Records.Resize(Records.count + 1);
     return Records[Records.count - 1];
 }
 
-void AddPart(GArray<SDrawEntry>& Entries, GArray<SRenderData>& Records, IRenderable& Client, UINT32 Flags, UINT32 Id,
-             float BlendDelta) {
+void AddPart(GArray<SRenderData>& Records, IRenderable& Client, UINT32 Flags, UINT32 Id, float BlendDelta) {
     SRenderData& Record = NewRecord(Records);
     if (!Client.GetRenderData(Flags, Id, &Record) || (Record.Flags & RENDER_HIDDEN)) {
         Records.Resize(Records.count - 1);
         return;
     }
     Record.SortKey = RenderSortKey(Record);
+    Record.PartId = Id;
+    Record.Client = &Client;
     Client.BlendFactor = BlendDelta;
     Client.Update();
-    Entries.Add({nullptr, Records.count - 1, Id, &Client});
 }
 
 } // namespace
@@ -45,12 +48,12 @@ void CLevel::BuildDrawList(bool OrthoPlanes, float BlendDelta, bool LightList, b
     for (IRenderable* Client : VisibleClients) {
         const UINT32 PartCount = Client->GetPartCount(Flags);
         for (UINT32 Id = 0; Id < PartCount; ++Id) {
-            AddPart(Entries, Records, *Client, Flags, Id, BlendDelta);
+            AddPart(Records, *Client, Flags, Id, BlendDelta);
         }
     }
     // The records stay where they are only from here on.
-    for (SDrawEntry& Entry : Entries) {
-        Entry.Record = &Records[Entry.RecordIndex];
+    for (const SRenderData& Record : Records) {
+        Entries.Add({Record.SortKey, &Record});
     }
     SortDrawEntries(Entries);
 }
