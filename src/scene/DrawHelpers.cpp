@@ -1,5 +1,7 @@
 #include "scene/DrawHelpers.h"
 
+#include "graphics/ShaderLib.h"
+
 #include <GL/glew.h>
 
 namespace {
@@ -172,6 +174,13 @@ void DrawBillboard(const Vec3& Centre, float Size, float Angle, float Layer, con
     SVertex40 Vertices[4];
     MakeBillboard40(Centre, Size, Angle, Vertices, Layer, Up, R, G, B, A);
     DrawQuads40(Vertices, 4);
+}
+
+void UseColorProgram() {
+    const UINT32 Program = ShaderGetProgram("ColorOnly", "ColorOnly");
+    glUseProgram(Program);
+    ShaderSendViewMatrix(Program);
+    ShaderSendProjectionMatrix(Program);
 }
 
 Quat QuatFromAxisAngle(const Vec3& Axis, float Angle) {

@@ -66,5 +66,8 @@ void MakeBillboard40(const Vec3& Centre, float Size, float Angle, SVertex40 (&Ou
 void DrawBillboard(const Vec3& Centre, float Size, float Angle, float Layer, const Vec3& Up, float R, float G, float B,
                    float A);
 
+// Makes the program ColorOnly current, for lines and faces without a texture, under GViewMatrix and GProjectionMatrix.
+void UseColorProgram();
+
 // Axis is of unit length.
 Quat QuatFromAxisAngle(const Vec3& Axis, float Angle);
