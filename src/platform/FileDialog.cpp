@@ -32,7 +32,10 @@ std::vector<std::string> FilesIn(const std::string& Folder, const std::string& S
 }
 
 EFileChoice Answer(const std::string& Path, char* Buffer, int Size) {
-    if (Path.empty() || Path.size() >= static_cast<std::size_t>(Size)) {
+    if (Path.empty()) {
+        return EFileChoice::Cancelled;
+    }
+    if (Path.size() >= static_cast<std::size_t>(Size)) {
         return EFileChoice::Failed;
     }
     std::snprintf(Buffer, static_cast<std::size_t>(Size), "%s", Path.c_str());
@@ -60,7 +63,7 @@ EFileChoice TakeNext(const std::string& Folder, const std::string& Suffix, char*
     std::printf("There is no zenity or kdialog to choose a file with; this takes the next one in %s\n", Folder.c_str());
     if (Names.empty()) {
         std::printf("No file there ends in %s\n", Suffix.c_str());
-        return EFileChoice::Failed;
+        return EFileChoice::Cancelled;
     }
     const std::string Present = Buffer;
     auto Next = std::find_if(Names.begin(), Names.end(), [&](const std::string& Name) {

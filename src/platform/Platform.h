@@ -1,5 +1,5 @@
-// The layer for what the operating system gives: message box and question, file dialog, directories, files by path, the clock, the
-// 15-bit random numbers and the place of the executable.
+// The layer for what the operating system gives: message box and question, file dialog, directories, files by path, the
+// clock, the 15-bit random numbers and the place of the executable.
 //
 // Every service that a machine without a display or a test must answer differently goes through GPlatform, a table of
 // function pointers. Tests put their own functions there and call PlatformRestore afterwards; nothing else writes it.
