@@ -66,9 +66,8 @@ EFileChoice TakeNext(const std::string& Folder, const std::string& Suffix, char*
         return EFileChoice::Cancelled;
     }
     const std::string Present = Buffer;
-    auto Next = std::find_if(Names.begin(), Names.end(), [&](const std::string& Name) {
-        return EndsWith(Present, "/" + Name);
-    });
+    auto Next = std::find_if(Names.begin(), Names.end(),
+                             [&](const std::string& Name) { return EndsWith(Present, "/" + Name); });
     Next = Next == Names.end() || Next + 1 == Names.end() ? Names.begin() : Next + 1;
     for (const std::string& Name : Names) {
         std::printf("%s %s\n", Name == *Next ? ">" : " ", Name.c_str());
@@ -81,8 +80,8 @@ EFileChoice TakeNext(const std::string& Folder, const std::string& Suffix, char*
 EFileChoice PlatChooseFile(const char* Title, const char* FilterName, const char* Suffix, const char* Folder,
                            char* Buffer, int Size) {
     std::string Path;
-    const int Code = PlatHasDisplay() ? RunDialog(Title, FilterName, Suffix, *Buffer ? Buffer : Folder, Path)
-                                      : EXIT_NO_SUCH_PROGRAM;
+    const int Code =
+        PlatHasDisplay() ? RunDialog(Title, FilterName, Suffix, *Buffer ? Buffer : Folder, Path) : EXIT_NO_SUCH_PROGRAM;
     switch (Code) {
     case EXIT_NO_SUCH_PROGRAM:
         return TakeNext(Folder, Suffix, Buffer, Size);

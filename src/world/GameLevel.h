@@ -143,16 +143,16 @@ public:
     // What the editor keeps from menu to menu.
     GList<SMenu*> Menus; // a stack whose top is the last; never empty
     Vec3 EditorPos = {0, 0, 200};
-    Vec3 EditorPrevPos = {0, 0, 200}; // a step ago
-    float EditorYaw = 0;              // radians
-    float EditorPitch = 1.5707964f;   // radians from the upright; pi / 2 looks level
-    UINT32 MenuRow = 0;               // rows drawn so far in this step
-    float BrushSize = 50;             // radius, world units
-    float BrushCurve = 1;             // exponent of the fall-off
-    float BrushStrength = 20;         // world units a second; negative digs
-    float BrushDownOffset = 5;        // how deep placed meshes stand in the ground, world units
-    UINT32 BrushUse3D = 1;            // the brush's reach counts heights too
-    GString MeshFile;                 // what the mesh brush places; relative to the data folder
+    Vec3 EditorPrevPos = {0, 0, 200};  // a step ago
+    float EditorYaw = 0;               // radians
+    float EditorPitch = 1.5707964f;    // radians from the upright; pi / 2 looks level
+    UINT32 MenuRow = 0;                // rows drawn so far in this step
+    float BrushSize = 50;              // radius, world units
+    float BrushCurve = 1;              // exponent of the fall-off
+    float BrushStrength = 20;          // world units a second; negative digs
+    float BrushDownOffset = 5;         // how deep placed meshes stand in the ground, world units
+    UINT32 BrushUse3D = 1;             // the brush's reach counts heights too
+    GString MeshFile;                  // what the mesh brush places; relative to the data folder
     GArray<SSpatialClient*> Selection; // in the order of selecting; a client that leaves the level leaves it too
 
     GameRT SceneRT;   // the picture until post-processing
