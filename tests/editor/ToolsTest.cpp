@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr Vec2 SKY = {512, 1};
+constexpr Vec2 SKY = {512, 1}, LABEL = {850, 110};
 
 using Sculpting = EditorFixture;
 
@@ -25,7 +25,7 @@ TEST_F(Sculpting, AStrokeThatBeganOffTheRowsChangesTheGroundAndUpdateThePicture)
     Press({SDLK_3});
     EXPECT_EQ(Stroke(There, 5), GROUND); // the tool is off
     Press({SDLK_2});
-    EXPECT_EQ(Stroke(ROW, 5), GROUND);
+    EXPECT_EQ(Stroke(LABEL, 5), GROUND);
     EXPECT_EQ(Stroke(SKY, 1), GROUND);
     const float Raised = Stroke(There, 10);
     EXPECT_NEAR(Raised, GROUND + 10 * 20 * STEP, 0.3f);
@@ -73,7 +73,7 @@ protected:
 TEST_F(Meshes, TheBrushPlacesAtOnceAndThenAtItsRate) {
     SMenu_Mesh& Menu = Top<SMenu_Mesh>();
     const Vec2 There = {400, 330};
-    EXPECT_EQ(Hold(ROW, 90) + Hold(SKY, 90), 0u);
+    EXPECT_EQ(Hold(LABEL, 90) + Hold(SKY, 90), 0u);
     EXPECT_EQ(Hold(There, 90), 2u); // one a second
     Menu.PlaceRate = 0;
     EXPECT_EQ(Hold(There, 90), 3u);
@@ -129,7 +129,7 @@ TEST_F(Meshes, ClicksAndRectanglesSelectAndDeleteTakesOnlyMeshes) {
     StepAt(Second + Vec2{20, -30}, true);
     StepAt(Second + Vec2{20, -30}, false, {SDLK_LCTRL});
     EXPECT_EQ(Selected(), "201");
-    Click(ROW);
+    Click(LABEL);
     EXPECT_EQ(Selected(), "201");
     Click(SKY);
     EXPECT_EQ(Selected(), "");
