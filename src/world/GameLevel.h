@@ -117,6 +117,9 @@ public:
     void SelectInFrustum(INT32 Mode, const Frustum& Volume);
     void SelectClient(INT32 Mode, SSpatialClient* Client);
 
+    // The nearest of PickHits, or null.
+    SSpatialClient* NearestPicked() const;
+
     INT32 EditMode = 0; // the editor runs while it is not zero
     SLevelParams Params;
     GArray<SEntityDef> EntityDefs;
