@@ -1,5 +1,6 @@
 #include "editor/TransformMenu.h"
 
+#include "editor/Rows.h"
 #include "graphics/ShaderLib.h"
 #include "input/Input.h"
 #include "scene/DrawHelpers.h"
@@ -7,7 +8,6 @@
 
 #include <GL/glew.h>
 
-#include <cfloat>
 #include <cmath>
 
 namespace {
@@ -37,7 +37,7 @@ template <size_t N>
 void ValueRows(CLevel& Level, const SRow (&Rows)[N], float* Values, int ValueCount) {
     for (const SRow& Row : Rows) {
         if (Row.Value < ValueCount) {
-            Level.FloatRow(Row.Id, Row.Label, Values + Row.Value, -FLT_MAX, FLT_MAX);
+            Level.FloatRow(Row.Id, Row.Label, Values + Row.Value, -NO_LIMIT, NO_LIMIT);
         }
     }
 }
@@ -73,8 +73,7 @@ void LayDownSceneDepth(const CLevel& Level) {
 } // namespace
 
 SMenu_Transform::SMenu_Transform(CLevel* Level, float* ScaleData, float* RotateData, float* MoveData)
-    : SMenu(Level), ScaleData(ScaleData), RotateData(RotateData), MoveData(MoveData) {
-}
+    : SMenu(Level), ScaleData(ScaleData), RotateData(RotateData), MoveData(MoveData) {}
 
 UINT32 SMenu_Transform::GetOpCount() {
     return HasSelection() ? 5 : 2;
@@ -260,10 +259,7 @@ void SMenu_Transform::Draw3D() {
         return;
     }
     LayDownSceneDepth(*Level);
-    const UINT32 Program = ShaderGetProgram("ColorOnly", "ColorOnly");
-    glUseProgram(Program);
-    ShaderSendViewMatrix(Program);
-    ShaderSendProjectionMatrix(Program);
+    UseColorProgram();
     const BBox Box = {Centre - HalfSize, Centre + HalfSize};
     DrawRotatedBoxLines(Box, Rotation, M_PackColor(HIDDEN_COLOR));
     glEnable(GL_DEPTH_TEST);

@@ -25,7 +25,7 @@ constexpr INT32 CUBE_FACES = 6;
 
 // What a step brings to a drag.
 struct SDragInput {
-    Ray Pick;
+    Ray Pick = {};
     bool Pressed = false;  // the left button went down in this step, and not on a row
     bool Held = false;     // it is down and was so a step before
     bool Released = false; // it came up in this step
