@@ -3,7 +3,7 @@
 #include "foundation/GTemplate.h"
 #include "foundation/Screen.h"
 #include "game/GameState.h"
-#include "game/Gui.h"
+#include "gui/Gui.h"
 #include "graphics/ShaderLib.h"
 #include "graphics/TextureStorage.h"
 #include "input/Input.h"
