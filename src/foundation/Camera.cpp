@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr float PI = 3.1415927f;
-
 constexpr Mat4 IDENTITY = {{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}};
 
 // The axes of the view and the half sizes of the picture at unit distance from the eye.

@@ -212,7 +212,6 @@ void DrawLogo(float BlendDelta) {
     glUseProgram(Program);
     ShaderSetUniform1i(0, Program, "Texture");
     M_CameraLookAt(GViewMatrix);
-    constexpr float DEGREES = 3.1415927f / 180.0f; // in radians
     M_Mat4Perspective(GProjectionMatrix, GCamera.Fov * DEGREES, GCamera.Aspect, GCamera.Near, GCamera.Far);
     M_Mat4Identity(GWorldMatrix);
     ShaderSendWorldMatrix(Program);

@@ -8,8 +8,6 @@
 #include <GL/glew.h>
 #include <btBulletDynamicsCommon.h>
 
-static constexpr float DEGREES = 3.1415927f / 180.0f; // in radians
-
 // The game has cleared the window. All decisions by distance, in every pass, are taken from the picture's own eye.
 void CLevel::Render(float BlendDelta) {
     SceneRT.Bind();
