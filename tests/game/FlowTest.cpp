@@ -1,9 +1,9 @@
 // The flow of the game as the shell drives it: which screen follows on which click, what each one writes, and that a
 // hundred levels leave nothing behind.
 #include "game/GameFixture.h"
-#include "gui/Gui.h"
 #include "game/Screens.h"
 #include "game/SlopeRush.h"
+#include "gui/Gui.h"
 #include "scene/GLFont.h"
 #include "support/AllocationCount.h"
 #include "support/GoldenPicture.h"

@@ -13,7 +13,7 @@ protected:
 
     // Until a line of the panel says so.
     bool Key(const std::string& Name, int Line, const std::string& Text) const {
-        const STextPlace Place = {{10, 84 + 20 * Line, 185, 12}, 20, false, 10};
+        const STextPlace Place = {{10, 84 + 20 * Line, 300, 12}, 20, false, 10};
         return HoldUntil(Name, [&] { return Says(Text, Place, WHITE); });
     }
     // Until nothing moves any more but the rider, who is not in the part.
@@ -36,6 +36,9 @@ protected:
             return HasChanged(Difference);
         });
     }
+    // By the dark red of its net.
+    bool SeesBrush(const SPart& Part) const { return !TextColumns(Part, {140, 10, 10}).empty(); }
+
     CPixels Before;
 
     std::string Save() const {
@@ -63,15 +66,18 @@ TEST_F(EditorPlay, ALevelIsChangedSavedAndPlayed) {
     ASSERT_TRUE(Pull(974, 130, 1, 6)) << "the sun sinks";
     ASSERT_TRUE(Key("0", 3, "3: Terrain") && Key("3", 4, "4: Update"));
     MoveMouse(Window, X, Y);
-    ASSERT_TRUE(HoldUntil("2", [&] { return !TextColumns(PART, {140, 10, 10}).empty(); })) << "the brush's net";
-    ASSERT_TRUE(Pull(X, Y, 0, 12)) << "it rises";
+    ASSERT_TRUE(HoldUntil("2", [&] { return SeesBrush(PART); }));
+    {
+        const CHeld Held("mouse", "1");
+        ASSERT_TRUE(Soon([&] { return SeesBrush({PART.X, PART.Y, PART.Width, 60}); })) << "it rises";
+    }
     Watch(900, 60);
     ASSERT_TRUE(HoldUntil("4", [&] { return HasChanged(0.5); })) << "Update";
     ASSERT_TRUE(Key("0", 4, "4: Meshes") && Key("4", 1, "1: Choose mesh") && Key("1", 2, "2: Crag.mdd"));
-    ASSERT_TRUE(Key("3", 3, "3: [2/2] Tool: Brush"));
+    ASSERT_TRUE(Key("3", 5, "5: Change transform"));
     ASSERT_TRUE(Pull(X, Y, 0, 0.3)) << "a crag is there";
     Watch(X, Y - 10);
-    ASSERT_TRUE(Key("3", 3, "3: [1/2] Tool: Select") && HoldUntil("4", [&] { return HasChanged(0.02); })) << "boxes";
+    ASSERT_TRUE(Key("3", 5, "5: Transform selection") && HoldUntil("4", [&] { return HasChanged(0.02); })) << "boxes";
     ASSERT_TRUE(Pull(X, Y - 10, 0, 0.01)) << "its box has another colour";
     ASSERT_TRUE(Key("5", 3, "3: > Move") && Key("5", 5, "5: > Scale"));
     ASSERT_TRUE(Pull(X, Y - 10, 1, 0.5)) << "it grows or shrinks";
