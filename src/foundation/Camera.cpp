@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr float PI = 3.1415927f;
-
 constexpr Mat4 IDENTITY = {{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}};
 
 // The axes of the view and the half sizes of the picture at unit distance from the eye.
@@ -94,7 +92,7 @@ void M_CameraLookAt(Mat4& Out) {
 }
 
 void M_CameraPerspective(Mat4& Out) {
-    M_Mat4Perspective(Out, GCamera.Fov / 180 * PI, GCamera.Aspect, GCamera.Near, GCamera.Far);
+    M_Mat4Perspective(Out, GCamera.Fov * DEGREES, GCamera.Aspect, GCamera.Near, GCamera.Far);
 }
 
 void M_CameraOrtho(Mat4& Out) {

@@ -18,6 +18,9 @@ void CLevel::Render(float BlendDelta) {
     ShaderSendFog(Sky.Program);
     GFogData = {Params.FogDist, Params.FogExp};
 
+    if (EditMode) {
+        SetEditorCamera(BlendDelta);
+    }
     GLodCameraPos = GCamera.Eye;
     RenderSunShadow(BlendDelta);
     CollectLights();
@@ -28,6 +31,9 @@ void CLevel::Render(float BlendDelta) {
     RenderScene(BlendDelta, false);
     SceneRT.Unbind();
     PostProcess();
+    if (EditMode) {
+        DrawEditorOverlay();
+    }
 }
 
 void CLevel::RenderSunShadow(float BlendDelta) {
@@ -85,10 +91,7 @@ void CLevel::RenderTerrainShadow(bool OrthoPlanes, const Vec3& LodFrom) {
 
 // The wires of all bodies near the eye, hidden where the scene stands before them.
 void CLevel::DrawPhysicsLines() {
-    const UINT32 Program = ShaderGetProgram("ColorOnly", "ColorOnly");
-    glUseProgram(Program);
-    ShaderSendViewMatrix(Program);
-    ShaderSendProjectionMatrix(Program);
+    UseColorProgram();
     GPhyWorld->debugDrawWorld();
 }
 

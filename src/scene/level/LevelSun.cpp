@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr float PI = 3.1415927f;
-
 // Side of the square that the shadow map covers round the eye, in world units.
 constexpr float SHADOW_VIEW_SIZE = 1000.0f;
 
