@@ -91,6 +91,10 @@ void M_CameraLookAt(Mat4& Out) {
     M_Mat4Mul(Out, Axes, Move);
 }
 
+void M_CameraPerspective(Mat4& Out) {
+    M_Mat4Perspective(Out, GCamera.Fov / 180 * PI, GCamera.Aspect, GCamera.Near, GCamera.Far);
+}
+
 void M_CameraOrtho(Mat4& Out) {
     M_Mat4Ortho(Out, -GCamera.Fov / 2, GCamera.Fov / 2, GCamera.Aspect / 2, -GCamera.Aspect / 2, GCamera.Near,
                 GCamera.Far);

@@ -20,6 +20,7 @@
 #include "world/Entity.h"
 #include "world/LevelParams.h"
 
+struct SLightClient;
 struct SMenu;
 struct STerrain;
 class btRigidBody;
@@ -48,6 +49,11 @@ public:
     // Takes over the client's present bounds; costs nothing if they are those of the last time.
     void MoveSpatialClient(IRenderable* Client);
 
+    // Enters a spot light with the bounds of its cone. Its maker keeps owning it, moves it as SLightClient says, and
+    // takes it out again before it dies.
+    void AddLight(SLightClient* Light);
+    void RemoveLight(SLightClient* Light);
+
     // Appends a new entity to both lists; the level owns it from then on.
     void AddEntity(CEntity* Entity);
 
@@ -61,10 +67,11 @@ public:
     void Render(float BlendDelta);
     void RenderScene(float BlendDelta, bool ShadowPass);
     void RenderSunShadow(float BlendDelta);
-    void RenderTerrainShadow();
+    void RenderTerrainShadow(bool OrthoPlanes, const Vec3& LodFrom);
 
     // Fills a frame list with the sorted records of all meshes within GCamera's planes, which are those of an
-    // orthographic set-up if OrthoPlanes. Allocates nothing once the lists have grown.
+    // orthographic set-up if OrthoPlanes. ShadowFlags is for the sun's shadow map: what can't shade anything in the
+    // camera's view is left out. Allocates nothing once the lists have grown.
     void BuildDrawList(bool OrthoPlanes, float BlendDelta, bool LightList, bool ShadowFlags);
 
     // Draws a frame list: in an additive light pass, as depth in a shadow pass, or else under the sun.
@@ -74,6 +81,13 @@ public:
     void PostProcess();
     void SetSunLight();
     void SetSunCamera() const;
+    void FindCasterPlanes();
+
+    // The spot lights in view, their shadow maps, and their passes over the picture in SceneRT.
+    void CollectLights();
+    void RenderLightShadows(float BlendDelta);
+    void RenderLightPasses(float BlendDelta);
+
     void DrawSun() const;
     Quat GravityRotation() const;
     Vec3 SunDirection() const; // unit vector towards the sun
@@ -130,6 +144,7 @@ public:
     GArray<CEntity*> DeadEntities;   // deleted when the update ends
     SSpatialGrid* Grid = nullptr;
     GList<SSpatialClient*> SpatialClients;
+    GArray<SLightClient*> Lights; // all of them, in the order in which they came
     SRayHits PickHits;
 
     // Frame lists. Emptied by each BuildDrawList, which keeps their storage; entries point into the records of one
@@ -139,6 +154,8 @@ public:
     GArray<SRenderData> SceneRecords;
     GArray<SDrawEntry> LightEntries; // for the passes of one light
     GArray<SRenderData> LightRecords;
+    GArray<SLightClient*> VisibleLights; // of this picture
+    GArray<Plane> CasterPlanes;          // of the camera's view: what lies beyond one casts no shadow into it
 
     // What the editor keeps from menu to menu.
     GList<SMenu*> Menus; // a stack whose top is the last; never empty

@@ -54,6 +54,9 @@ void CLevel::BuildDrawList(bool OrthoPlanes, float BlendDelta, bool LightList, b
     QueryMeshClients(Grid->Root, &VisibleClients, View.Planes, MAX_QUERY_PLANES);
     const UINT32 Flags = ShadowFlags ? 1 : 0;
     for (IRenderable* Client : VisibleClients) {
+        if (ShadowFlags && M_BBoxOutsidePlanes(Client->BBox, CasterPlanes.Data, static_cast<int>(CasterPlanes.count))) {
+            continue;
+        }
         const UINT32 PartCount = Client->GetPartCount(Flags);
         for (UINT32 Id = 0; Id < PartCount; ++Id) {
             AddPart(Writer, *Client, Flags, Id, BlendDelta);

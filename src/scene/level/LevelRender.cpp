@@ -1,4 +1,4 @@
-// One picture of a level: shadow map of the sun, the scene into SceneRT, and one full-screen draw into the window.
+// One picture of a level: shadow maps, the scene into SceneRT, and one full-screen draw into the window.
 #include "graphics/ShaderLib.h"
 #include "physics/Physics.h"
 #include "scene/DrawHelpers.h"
@@ -23,9 +23,11 @@ void CLevel::Render(float BlendDelta) {
     }
     GLodCameraPos = GCamera.Eye;
     RenderSunShadow(BlendDelta);
+    CollectLights();
+    RenderLightShadows(BlendDelta);
 
     M_CameraLookAt(GViewMatrix);
-    M_Mat4Perspective(GProjectionMatrix, GCamera.Fov * DEGREES, GCamera.Aspect, GCamera.Near, GCamera.Far);
+    M_CameraPerspective(GProjectionMatrix);
     RenderScene(BlendDelta, false);
     SceneRT.Unbind();
     PostProcess();
@@ -38,6 +40,7 @@ void CLevel::RenderSunShadow(float BlendDelta) {
     const CameraState Saved = GCamera;
     ShadowRT.Bind();
     glClear(GL_DEPTH_BUFFER_BIT);
+    FindCasterPlanes();
     SetSunCamera();
     M_CameraLookAt(GViewMatrix);
     M_CameraOrtho(GProjectionMatrix);
@@ -54,7 +57,10 @@ void CLevel::RenderSunShadow(float BlendDelta) {
 // finished depth at the far plane.
 void CLevel::RenderScene(float BlendDelta, bool ShadowPass) {
     if (ShadowPass) {
-        RenderTerrainShadow();
+        ShaderSetUniform1i(0, ShadowProgram, "Texture");
+        glActiveTexture(GL_TEXTURE0);
+        glBindTexture(GL_TEXTURE_2D, 0);
+        RenderTerrainShadow(true, GLodCameraPos);
         DrawList(false, true, false);
         return;
     }
@@ -66,19 +72,17 @@ void CLevel::RenderScene(float BlendDelta, bool ShadowPass) {
     Sky.Draw(GravityRotation());
     DrawSun();
     glDepthRange(0.0, 1.0);
+    RenderLightPasses(BlendDelta);
     if (GPhyShowDebug) {
         DrawPhysicsLines();
     }
 }
 
-void CLevel::RenderTerrainShadow() {
-    ShaderSetUniform1i(0, ShadowProgram, "Texture");
-    glActiveTexture(GL_TEXTURE0);
-    glBindTexture(GL_TEXTURE_2D, 0);
-    if (!Terrain->Visible(true)) {
+void CLevel::RenderTerrainShadow(bool OrthoPlanes, const Vec3& LodFrom) {
+    if (!Terrain->Visible(OrthoPlanes)) {
         return;
     }
-    Terrain->SetLods(GLodCameraPos, Params.ClipDist);
+    Terrain->SetLods(LodFrom, Params.ClipDist);
     Terrain->Bind(true, true);
     ShaderSendWorldMatrix(ShadowProgram);
     Terrain->DrawLeaves();

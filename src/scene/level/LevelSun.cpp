@@ -52,6 +52,19 @@ void CLevel::SetSunCamera() const {
     GCamera.Far = 2 * Params.ClipDist;
 }
 
+// What stands beyond a side of the view that the light travels away from shades nothing that is in view.
+void CLevel::FindCasterPlanes() {
+    Frustum View;
+    M_CameraFrustum(View);
+    const Vec3 ToSun = SunDirection();
+    CasterPlanes.Resize(0);
+    for (const Plane& Side : View.Planes) {
+        if (M_Dot(Side.Normal, ToSun) <= 0) {
+            CasterPlanes.Add(Side);
+        }
+    }
+}
+
 void CLevel::SetSunLight() {
     GCurLight = LIGHT_AMBDIR;
     GLightDir = -SunDirection();
