@@ -14,6 +14,7 @@ void main()
 {
 	vec4 World = WorldMatrix * gl_Vertex;
 	vec4 Shadow = SMMatrix * World;
+	Shadow.x = -Shadow.x; // the map is drawn mirrored
 	WorldPos = World.xyz;
 #ifdef L_AMBDIR
 	ShadowPos = Shadow.xyz * 0.5 + 0.5;

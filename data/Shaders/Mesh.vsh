@@ -30,6 +30,7 @@ void main()
 #endif
 	vec4 World = Bone * gl_Vertex;
 	vec4 Shadow = SMMatrix * World;
+	Shadow.x = -Shadow.x; // the map is drawn mirrored
 	WorldPos = World.xyz;
 #ifdef L_AMBDIR
 	ShadowPos = Shadow.xyz * 0.5 + 0.5;

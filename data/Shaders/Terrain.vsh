@@ -3,11 +3,16 @@ uniform mat4 WorldMatrix;
 uniform mat4 SMMatrix;
 uniform sampler2D NormalMap; // normals in unit space
 uniform vec3 Extents;
+uniform vec3 CameraPos;
+uniform vec2 FogData;        // distance at which the fog closes, exponent
+uniform vec4 LightDir;       // sun: w is the amount of cloud
 
 varying vec3 WorldPos;
 varying vec3 ShadowPos; // sun: in the shadow map, 0 to 1; spot: its x, y and w in the map's clip space
 varying vec3 GroundNormal;
-varying float Carved; // 0 to 1: how far the wind has worked on the snow
+varying float Carved;   // 0 to 1: how far the wind has worked on the snow
+varying float SunShare; // of the sun's light, what the clouds let through
+varying float Far;      // part of the light that is fog's
 
 // Heights come in whole levels. Averaged over a few samples, the normals lose the stairs of gentle ground. A vertex is the
 // cheap place for that: there are far fewer of them than pixels.
@@ -23,19 +28,30 @@ vec3 SmoothNormal()
 	return normalize((Packed - 1.992) / Extents);
 }
 
+// Clouds dim the sun evenly, and in patches some hundreds of units wide. Meshes take the same patches.
+float CloudShare(vec2 Place, float Amount)
+{
+	float Patch = sin(Place.x * 0.0061 + 2.1 * sin(Place.y * 0.0023)) * sin(Place.y * 0.0047 + 1.9 * sin(Place.x * 0.0031));
+	return 1.0 - Amount * (0.5 + 0.9 * smoothstep(-0.1, 0.7, Patch));
+}
+
 void main()
 {
 	vec4 World = WorldMatrix * gl_Vertex;
 	vec4 Shadow = SMMatrix * World;
+	Shadow.x = -Shadow.x; // the map is drawn mirrored
 
 	WorldPos = World.xyz;
 #ifdef L_AMBDIR
 	ShadowPos = Shadow.xyz * 0.5 + 0.5;
+	SunShare = CloudShare(World.xy, LightDir.w);
 #else
 	ShadowPos = Shadow.xyw;
+	SunShare = 0.0;
 #endif
 	GroundNormal = SmoothNormal();
 	// The wind has carved some places and left others smooth, over hundreds of units.
 	Carved = 0.5 + 0.5 * sin(World.x * 0.013 + 1.7 * sin(World.y * 0.0071)) * sin(World.y * 0.0093 + 1.3 * sin(World.x * 0.0083));
+	Far = pow(min(distance(World.xyz, CameraPos) / FogData.x, 1.0), FogData.y);
 	gl_Position = ProjectionMatrix * (ViewMatrix * World);
 }
