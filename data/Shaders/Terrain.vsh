@@ -13,6 +13,10 @@ varying vec3 GroundNormal;
 varying float Carved;   // 0 to 1: how far the wind has worked on the snow
 varying float SunShare; // of the sun's light, what the clouds let through
 varying float Far;      // part of the light that is fog's
+#ifdef L_SPOT
+uniform sampler2D ProjMap;
+varying float Unveiled; // 1 if the light throws no picture, else 0
+#endif
 
 // Heights come in whole levels. Averaged over a few samples, the normals lose the stairs of gentle ground. A vertex is the
 // cheap place for that: there are far fewer of them than pixels.
@@ -48,6 +52,8 @@ void main()
 #else
 	ShadowPos = Shadow.xyw;
 	SunShare = 0.0;
+	// The mean of the picture; where there is no picture it is black.
+	Unveiled = 1.0 - step(0.001, dot(texture2DLod(ProjMap, vec2(0.5), 16.0).xyz, vec3(1.0)));
 #endif
 	GroundNormal = SmoothNormal();
 	// The wind has carved some places and left others smooth, over hundreds of units.
