@@ -28,7 +28,6 @@ enum EMeshTool : UINT32 { TOOL_SELECT = 0, TOOL_BRUSH = 1 };
 
 constexpr UINT32 LAST_TOOL = TOOL_BRUSH;
 constexpr const char* PLACED_CLASS = "StaticMesh";
-constexpr float DEGREES = 0.01745329424738884f; // in radians
 constexpr UINT32 VALUE_LENGTH = 191;            // characters of a property
 
 constexpr Vec4 NO_COLOR = {0, 0, 0, 0};
