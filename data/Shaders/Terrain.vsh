@@ -6,6 +6,9 @@ uniform vec3 Extents;
 uniform vec3 CameraPos;
 uniform vec2 FogData;        // distance at which the fog closes, exponent
 uniform vec4 LightDir;       // sun: w is the amount of cloud
+uniform vec3 FogColor;
+uniform vec3 AmbientColor;
+uniform float DetailSize;    // world units that the snow's ripples span
 
 varying vec3 WorldPos;
 varying vec3 ShadowPos; // sun: in the shadow map, 0 to 1; spot: its x, y and w in the map's clip space
@@ -13,6 +16,8 @@ varying vec3 GroundNormal;
 varying float Carved;   // 0 to 1: how far the wind has worked on the snow
 varying float SunShare; // of the sun's light, what the clouds let through
 varying float Far;      // part of the light that is fog's
+varying vec3 SkyColor;  // light that the whole sky sends
+varying float Level;    // of the snow's picture, where it is seen as ripples
 #ifdef L_SPOT
 uniform sampler2D ProjMap;
 varying float Unveiled; // 1 if the light throws no picture, else 0
@@ -39,6 +44,14 @@ float CloudShare(vec2 Place, float Amount)
 	return 1.0 - Amount * (0.5 + 0.9 * smoothstep(-0.1, 0.7, Patch));
 }
 
+// A pixel seen at a slant is long: half way between its length and its width neither blurs nor flickers much.
+float DetailLevel(vec3 ToEye, float Distance, vec3 Ground)
+{
+	const float PIXEL = 0.0026; // world units across a pixel at a distance of one
+	float Texels = PIXEL * 512.0 / (DetailSize * 2.4);
+	return log2(Distance * Texels * inversesqrt(max(dot(Ground, ToEye) / Distance, 0.05))) + 0.5;
+}
+
 void main()
 {
 	vec4 World = WorldMatrix * gl_Vertex;
@@ -58,6 +71,12 @@ void main()
 	GroundNormal = SmoothNormal();
 	// The wind has carved some places and left others smooth, over hundreds of units.
 	Carved = 0.5 + 0.5 * sin(World.x * 0.013 + 1.7 * sin(World.y * 0.0071)) * sin(World.y * 0.0093 + 1.3 * sin(World.x * 0.0083));
-	Far = pow(min(distance(World.xyz, CameraPos) / FogData.x, 1.0), FogData.y);
+	vec3 ToEye = CameraPos - World.xyz;
+	float Distance = length(ToEye);
+	Far = pow(min(Distance / FogData.x, 1.0), FogData.y);
+	Level = DetailLevel(ToEye, Distance, GroundNormal);
+	// The sky lights what the sun does not reach, and the air shows how bright it is: 1 on a clear morning. The root,
+	// since the eye gets used to the dark.
+	SkyColor = AmbientColor * vec3(3.7, 3.2, 3.3) * sqrt(dot(FogColor, vec3(0.42)));
 	gl_Position = ProjectionMatrix * (ViewMatrix * World);
 }
