@@ -67,14 +67,14 @@ struct SSlopeParams {
     SSides Sides;
     SIsland Islands[MOST_ISLANDS] = {};
     INT32 Knobs = 0;  // rocks beside the ride
-    float Towers = 0; // height of the two rocks beside the finish, which are seen from afar
+    float Portal = 0; // height of the two rocks beside the finish, which are seen from afar
 };
 
 constexpr SSlopeParams SLOPES[] = {
     // A wide open bowl under cliffs, long rollers.
     {.Name = "Slope1",
      .Seed = 11,
-     .HalfX = 3600,
+     .HalfX = 3000,
      .Height = 620,
      .Course = {{4000, 0, 230},
                 {3300, 0, 230},
@@ -93,9 +93,9 @@ constexpr SSlopeParams SLOPES[] = {
                .FarSlope = -0.2f,
                .Rough = 70,
                .Cliffs = 1},
-     .Islands = {{1550, 20, 190, 90, 80}, {-1150, -40, 190, 90, 80}},
+     .Islands = {{1550, 20, 200, 85, 75}, {-1150, -40, 200, 85, 75}},
      .Knobs = 10,
-     .Towers = 330},
+     .Portal = 330},
     // A winding gully between rock walls.
     {.Name = "Slope2",
      .Seed = 23,
@@ -122,11 +122,11 @@ constexpr SSlopeParams SLOPES[] = {
                .Rough = 70,
                .Cliffs = 1},
      .Islands = {{2950, 0, 150, 36, 60}, {800, 0, 150, 42, 70}, {-1400, 0, 150, 42, 70}},
-     .Towers = 300},
+     .Portal = 300},
     // Terraces, from whose lips one flies.
     {.Name = "Slope3",
      .Seed = 37,
-     .HalfX = 3400,
+     .HalfX = 3000,
      .Height = 610,
      .Course = {{4000, 60, 190},
                 {3300, 60, 190},
@@ -149,11 +149,11 @@ constexpr SSlopeParams SLOPES[] = {
                .Cliffs = 1},
      .Islands = {{650, 0, 150, 60, 70}},
      .Knobs = 10,
-     .Towers = 300},
+     .Portal = 300},
     // The back of a ridge; at both sides the ground falls away into valleys, which are a slower way down.
     {.Name = "Slope4",
      .Seed = 41,
-     .HalfX = 3000,
+     .HalfX = 2700,
      .Height = 620,
      .LowestLevel = 60,
      .Course = {{4000, 60, 150},
@@ -179,12 +179,11 @@ constexpr SSlopeParams SLOPES[] = {
                .ValleyWidth = 320,
                .Mountains = 400,
                .Rough = 50,
-               .Cliffs = 0.8f},
-     .Towers = 0},
+               .Cliffs = 0.8f}},
     // A narrow chute that winds over short waves.
     {.Name = "Slope5",
      .Seed = 59,
-     .HalfX = 2800,
+     .HalfX = 2700,
      .Height = 520,
      .Course = {{4000, -120, 140},
                 {3400, -120, 120},
@@ -210,7 +209,7 @@ constexpr SSlopeParams SLOPES[] = {
                .Cliffs = 0.9f},
      .Islands = {{1400, 0, 140, 36, 60}, {-1350, 0, 140, 36, 60}},
      .Knobs = 6,
-     .Towers = 280},
+     .Portal = 280},
     // Behind the title.
     {.Name = "Vale",
      .Seed = 71,
@@ -257,8 +256,8 @@ public:
 
     INT32 Level(INT32 Column, INT32 Row) const {
         const SPlace Place = PlaceOf(Column, Row);
-        float Rise = Place.Beside > 0 ? Side(Place) : 0;
-        for (const float Rock : {IslandAt(Place), KnobAt(Place), TowerAt(Place)}) {
+        float Rise = Place.Beside > 0 ? Portal(Side(Place), Place) : 0;
+        for (const float Rock : {IslandAt(Place), KnobAt(Place)}) {
             Rise = Rock > 0 ? std::max(Rise, Rock) : Rise;
         }
         return std::clamp(Ride[Row] + static_cast<INT32>(std::lround(Rise / LevelHeight)), 0, TOP_LEVEL);
@@ -317,8 +316,8 @@ private:
     void PlaceKnobs();
     float IslandAt(const SPlace& Place) const;
     float KnobAt(const SPlace& Place) const;
-    float TowerAt(const SPlace& Place) const;
-    float Craggy(const SPlace& Place) const;
+    float Portal(float Rise, const SPlace& Place) const;
+    float CraggyAt(const SPlace& Place) const;
 
     const SSlopeParams& Params;
     const float LevelHeight; // world units
@@ -451,7 +450,7 @@ void CSlope::PlaceKnobs() {
 }
 
 // Factor that makes the outline of a rock uneven.
-float CSlope::Craggy(const SPlace& Place) const {
+float CSlope::CraggyAt(const SPlace& Place) const {
     return 1 + 0.35f * NoiseGradient(Place.x * 0.013f, Place.y * 0.013f, Params.Seed + 70);
 }
 
@@ -461,8 +460,8 @@ float CSlope::IslandAt(const SPlace& Place) const {
         if (Island.Height > 0) {
             const float Across = (Place.x - CourseAt(Island.y).x - Island.Beside) / Island.HalfWidth;
             const float Along = (Place.y - Island.y) / Island.HalfLength;
-            const float Far = std::fabs(Across) + std::fabs(Along);
-            Highest = std::max(Highest, Island.Height * (1 - SmoothStep(0.1f, 1.15f, Far)));
+            const float Far = (std::fabs(Across) + std::fabs(Along)) * CraggyAt(Place);
+            Highest = std::max(Highest, Island.Height * (1 - SmoothStep(0.3f, 1.1f, Far)));
         }
     }
     return Highest;
@@ -471,7 +470,7 @@ float CSlope::IslandAt(const SPlace& Place) const {
 float CSlope::KnobAt(const SPlace& Place) const {
     float Highest = 0;
     for (const SKnob& Knob : Knobs) {
-        const float Far = std::hypot(Place.x - Knob.x, Place.y - Knob.y) / Knob.Radius * Craggy(Place);
+        const float Far = std::hypot(Place.x - Knob.x, Place.y - Knob.y) / Knob.Radius * CraggyAt(Place);
         // On top of the bank it stands on.
         const float Under = Place.Beside > 0 ? Side(Place) : 0;
         const float Rise = Knob.Height * (1 - SmoothStep(0.3f, 1.2f, Far));
@@ -480,15 +479,14 @@ float CSlope::KnobAt(const SPlace& Place) const {
     return Highest;
 }
 
-// Steep rocks with a flat top, pointed uphill, so that nobody is caught in front of one.
-float CSlope::TowerAt(const SPlace& Place) const {
-    constexpr float RADIUS = 230; // more would leave no room, less is lost where far ground is drawn coarse
-    const float y = (FINISH - 0.01f) * Params.HalfY;
-    const SCoursePoint Here = CourseAt(y);
-    const float Across = (std::fabs(Place.x - Here.x) - Here.HalfWidth - RADIUS) / RADIUS;
-    const float Along = (Place.y - y) / RADIUS;
-    const float Far = Along > 0 ? std::fabs(Across) + 0.7f * Along : std::hypot(Across, Along);
-    return Params.Towers * (1 - SmoothStep(0.5f, 0.95f, Far * Craggy(Place)));
+// Raises the banks at the finish to the rocks between which the ride ends. They grow from the bank, so that whoever
+// rides up there is led back to the ride and not into a corner.
+float CSlope::Portal(float Rise, const SPlace& Place) const {
+    constexpr float STEEPER = 4; // times the bank
+    const float Away = std::fabs(Place.y - (FINISH - 0.01f) * Params.HalfY);
+    const float Near = 1 - SmoothStep(60, 480, Away);
+    const float Top = Params.Portal * (2 - CraggyAt(Place));
+    return std::max(Rise, std::min(Rise * (1 + STEEPER * Near), Top));
 }
 
 } // namespace

@@ -1,17 +1,17 @@
-// A contact sheet of a ride: the bot plays a level in the real game, and every few seconds of game time a picture of
-// the window goes onto one sheet, row by row.
+// A contact sheet of a ride: a bot of the expert skill plays a level in the real game, and every few seconds of game
+// time a picture of the window goes onto one sheet, row by row.
 //
 //     ride_sheet LEVEL SHEET [--seed N] [--every SECONDS] [--columns N] [--frames FOLDER]
 //
 // LEVEL is 1 to 5, or 0 for the view behind the title; SHEET a .jpg or .png file. --frames leaves each picture in full
 // size in a folder that is there. The seed sows the wood. Printed is a line for each picture (place, speed, trees, how
 // long drawing it took) and one about the ride. Needs a display and the data beside the executable.
+#include "bots/Ride.h"
 #include "foundation/Diagnostics.h"
 #include "foundation/Screen.h"
-#include "game/Bot.h"
 #include "game/GameState.h"
 #include "game/IGame.h"
-#include "game/Wood.h"
+#include "game/Rider.h"
 #include "input/Input.h"
 #include "shell/Application.h"
 #include "world/GameLevel.h"
@@ -19,7 +19,6 @@
 #include <GL/glew.h>
 #include <IL/il.h>
 #include <IL/ilu.h>
-#include <SDL/SDL.h>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -32,7 +31,6 @@
 
 namespace {
 
-constexpr float STEP = 1.0f / 60;
 constexpr UINT32 THUMB_WIDTH = 320;
 constexpr UINT32 THUMB_HEIGHT = THUMB_WIDTH * WINDOW_HEIGHT / WINDOW_WIDTH;
 constexpr float FIRST_PICTURE = 0.5f; // seconds after the start
@@ -136,13 +134,9 @@ void CRideGame::Init() {
         return;
     }
     GLevelIndex = Wishes.Level - 1;
-    const SLevelRecord& Record = GLevels[GLevelIndex];
-    LoadLevel(Record.File, 0);
-    SowTrees(Record.Trees, Wishes.Seed);
-    GTimeLeft = Record.TimeLimit;
-    GTreesCut = 0;
-    GGameState = GAME_PLAYING;
-    Bot = std::make_unique<CBot>();
+    StartRide(GLevelIndex, Wishes.Seed);
+    GTimeLeft = GLevels[GLevelIndex].TimeLimit;
+    Bot = std::make_unique<CBot>(Skills[EXPERT], Wishes.Seed);
     StepFor(FIRST_PICTURE);
 }
 
@@ -153,25 +147,12 @@ void CRideGame::StepFor(float Seconds) {
 }
 
 void CRideGame::StepOnce() {
-    InputBeginStep();
-    TickBinds();
     if (Bot) {
         const UINT32 Goal = GLevels[GLevelIndex].Quota + SPARE_TREES;
-        const SBotKeys Keys = Bot->Think(Goal > GTreesCut ? Goal - GTreesCut : 0);
-        const std::pair<UINT32, bool> All[] = {{SDLK_LEFT, Keys.Left},
-                                               {SDLK_RIGHT, Keys.Right},
-                                               {SDLK_UP, Keys.Push},
-                                               {SDLK_DOWN, Keys.Brake},
-                                               {SDLK_SPACE, Keys.Cut}};
-        for (const auto& [Key, Down] : All) {
-            if (Down != (GKeys[Key] != 0)) {
-                GKeys[Key] = Down;
-                SetKeyState(Key, Down);
-            }
-        }
+        PressKeys(Bot->Think(Goal > GTreesCut ? Goal - GTreesCut : 0));
     }
-    Real->Update(Time, STEP);
-    Time += STEP;
+    Real->Update(Time, BOT_STEP);
+    Time += BOT_STEP;
     if (GGameState == GAME_END && EndTime == 0) {
         EndTime = Time;
     }
@@ -188,7 +169,7 @@ void CRideGame::Render(float) {
         SlowestMilliseconds = std::max(SlowestMilliseconds, Took.count());
     }
     TakePicture();
-    Report(Bot ? Bot->Rider().Client.Pos : GCamera.Eye, Took.count());
+    Report(Bot ? TheRider().Client.Pos : GCamera.Eye, Took.count());
     ++Pictures;
     if (IsOver()) {
         End();
@@ -241,7 +222,7 @@ bool ReadWish(const std::string& Key, const char* Value) {
     if (Key == "--seed") {
         Wishes.Seed = static_cast<UINT32>(std::atoi(Value));
     } else if (Key == "--every") {
-        Wishes.Every = std::max(STEP, static_cast<float>(std::atof(Value)));
+        Wishes.Every = std::max(BOT_STEP, static_cast<float>(std::atof(Value)));
     } else if (Key == "--columns") {
         Wishes.Columns = static_cast<UINT32>(std::max(1, std::atoi(Value)));
     } else if (Key == "--frames") {
