@@ -9,6 +9,10 @@ varying vec3 Normal;
 varying vec2 TexCoord;
 varying float Shown; // 1 near, 0 where meshes end
 varying float Open;  // part of the sky that a place in the crown sees
+#ifdef L_SPOT
+uniform sampler2D ProjMap;
+varying float Unveiled; // 1 if the light throws no picture, else 0
+#endif
 
 void main()
 {
@@ -19,6 +23,8 @@ void main()
 	ShadowPos = Shadow.xyz * 0.5 + 0.5;
 #else
 	ShadowPos = Shadow.xyw;
+	// The mean of the picture; where there is no picture it is black.
+	Unveiled = 1.0 - step(0.001, dot(texture2DLod(ProjMap, vec2(0.5), 16.0).xyz, vec3(1.0)));
 #endif
 	// A card's own normal shows that it is a card; the crown's is that of a cone round the trunk.
 	float Out = length(gl_Vertex.xy);

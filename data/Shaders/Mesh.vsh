@@ -13,6 +13,10 @@ varying vec3 ShadowPos; // sun: in the shadow map, 0 to 1; spot: its x, y and w 
 varying vec3 Normal;
 varying vec2 TexCoord;
 varying float Shown; // 1 near, 0 where meshes end
+#ifdef L_SPOT
+uniform sampler2D ProjMap;
+varying float Unveiled; // 1 if the light throws no picture, else 0
+#endif
 
 void main()
 {
@@ -35,6 +39,8 @@ void main()
 	ShadowPos = Shadow.xyz * 0.5 + 0.5;
 #else
 	ShadowPos = Shadow.xyw;
+	// The mean of the picture; where there is no picture it is black.
+	Unveiled = 1.0 - step(0.001, dot(texture2DLod(ProjMap, vec2(0.5), 16.0).xyz, vec3(1.0)));
 #endif
 	Normal = (Bone * vec4(gl_Normal, 0.0)).xyz;
 	TexCoord = gl_MultiTexCoord0.xy;

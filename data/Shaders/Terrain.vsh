@@ -8,6 +8,10 @@ varying vec3 WorldPos;
 varying vec3 ShadowPos; // sun: in the shadow map, 0 to 1; spot: its x, y and w in the map's clip space
 varying vec3 GroundNormal;
 varying float Carved; // 0 to 1: how far the wind has worked on the snow
+#ifdef L_SPOT
+uniform sampler2D ProjMap;
+varying float Unveiled; // 1 if the light throws no picture, else 0
+#endif
 
 // Heights come in whole levels. Averaged over a few samples, the normals lose the stairs of gentle ground. A vertex is the
 // cheap place for that: there are far fewer of them than pixels.
@@ -33,6 +37,8 @@ void main()
 	ShadowPos = Shadow.xyz * 0.5 + 0.5;
 #else
 	ShadowPos = Shadow.xyw;
+	// The mean of the picture; where there is no picture it is black.
+	Unveiled = 1.0 - step(0.001, dot(texture2DLod(ProjMap, vec2(0.5), 16.0).xyz, vec3(1.0)));
 #endif
 	GroundNormal = SmoothNormal();
 	// The wind has carved some places and left others smooth, over hundreds of units.
