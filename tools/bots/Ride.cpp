@@ -7,8 +7,34 @@
 
 namespace {
 
+// Of the size in Y, down from the middle.
+constexpr float END_OF_SLOPE = 0.8f;
+
 // Trees beyond the quota that a player cuts before thinking of time alone.
 constexpr UINT32 SPARE_TREES = 2;
+
+// Part of the time limit that a player keeps in hand.
+constexpr float SPARE_TIME = 0.1f;
+
+// What the player reads from the screen: trees and clock, against how far down it is.
+class CPlan {
+public:
+    CPlan(const SLevelRecord& Record, const Vec3& Start)
+        : Enough(Record.Quota + SPARE_TREES), Limit(Record.TimeLimit), Top(Start.y) {}
+
+    UINT32 Wanted() const { return Enough > GTreesCut ? Enough - GTreesCut : 0; }
+
+    bool Hurry(const Vec3& Place, float Time, float Care) const {
+        const float Way = (Top - Place.y) / (Top + END_OF_SLOPE * GLevel->Params.SizeY);
+        const float Due = Way * static_cast<float>(Enough);
+        return static_cast<float>(GTreesCut) >= Due * Care || Time / Limit + SPARE_TIME > Way;
+    }
+
+private:
+    UINT32 Enough;
+    float Limit;
+    float Top;
+};
 
 } // namespace
 
@@ -21,7 +47,7 @@ void StartRide(UINT32 Level, UINT32 Seed) {
 }
 
 bool IsAtTheEnd(const Vec3& Place) {
-    return Place.y < -0.8f * GLevel->Params.SizeY;
+    return Place.y < -END_OF_SLOPE * GLevel->Params.SizeY;
 }
 
 SRide RideLevel(UINT32 Level, UINT32 Seed, const SSkill& Skill) {
@@ -29,10 +55,10 @@ SRide RideLevel(UINT32 Level, UINT32 Seed, const SSkill& Skill) {
     StartRide(Level, Seed);
     const CRider& Rider = TheRider();
     CBot Bot(Skill, Seed);
+    const CPlan Plan(Record, Rider.Client.Pos);
     SRide Ride;
     while (!Ride.Finished && Ride.Time < Record.TimeLimit) {
-        const UINT32 Enough = Record.Quota + SPARE_TREES;
-        StepLevel(Bot.Think(Enough > GTreesCut ? Enough - GTreesCut : 0));
+        StepLevel(Bot.Think(Plan.Wanted(), Plan.Hurry(Rider.Client.Pos, Ride.Time, Skill.Care)));
         Ride.Time += BOT_STEP;
         Ride.End = Rider.Client.Pos;
         Ride.Finished = IsAtTheEnd(Ride.End);
