@@ -12,9 +12,6 @@
 
 namespace {
 
-constexpr float HALF_PI = 1.5707964f;
-constexpr float TWO_PI = 6.2831855f;
-
 constexpr float TURN = 0.01f; // radians a pixel
 constexpr float FLIGHT_SPEED = 100.0f;
 constexpr float HASTE = 2.0f; // times as fast with Shift
@@ -74,7 +71,7 @@ void CLevel::ToggleEditor() {
 void CLevel::EditorAxes(Vec3& Forward, Vec3& Side) const {
     const Quat Gravity = GravityRotation();
     M_QuatRotate(Gravity, M_Spherical({EditorYaw, EditorPitch, 1}), Forward);
-    M_QuatRotate(Gravity, M_Spherical({EditorYaw + HALF_PI, HALF_PI, 1}), Side);
+    M_QuatRotate(Gravity, M_Spherical({EditorYaw + PI / 2, PI / 2, 1}), Side);
 }
 
 void CLevel::UpdateEditorCamera() {
@@ -86,7 +83,7 @@ void CLevel::UpdateEditorCamera() {
         GWarpMouse = 0;
     } else if (GMouseRight) {
         const Vec2 Way = GMousePos - GLastMousePos;
-        EditorYaw = std::fmod(EditorYaw - TURN * Way.x, TWO_PI);
+        EditorYaw = std::fmod(EditorYaw - TURN * Way.x, 2 * PI);
         EditorPitch = std::clamp(EditorPitch + TURN * Way.y, 0.0f, PI);
     }
     Vec3 Forward, Side;

@@ -28,7 +28,7 @@ enum EMeshTool : UINT32 { TOOL_SELECT = 0, TOOL_BRUSH = 1 };
 
 constexpr UINT32 LAST_TOOL = TOOL_BRUSH;
 constexpr const char* PLACED_CLASS = "StaticMesh";
-constexpr UINT32 VALUE_LENGTH = 191;            // characters of a property
+constexpr UINT32 VALUE_LENGTH = 191; // characters of a property
 
 constexpr Vec4 NO_COLOR = {0, 0, 0, 0};
 constexpr Vec4 MESH_COLOR = {0.4f, 0.5f, 0.6f, 0.5f};

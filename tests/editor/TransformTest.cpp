@@ -12,7 +12,6 @@
 namespace {
 
 constexpr Vec3 MIDDLE = {10, 20, 30};
-constexpr float PI = 3.14159265f;
 constexpr float TOLERANCE = 2e-4f;
 const float ROOT_HALF = std::sqrt(0.5f);
 
