@@ -2,6 +2,7 @@
 // first level's picture. The counter is pictures a second. Needs a display with OpenGL and the data beside the program.
 #include "LevelStage.h"
 
+#include "bench/GlCalls.h"
 #include "game/GameState.h"
 #include "game/Wood.h"
 #include "terrain/Terrain.h"
@@ -35,22 +36,36 @@ bool StartLevel(benchmark::State& State, UINT32 Index) {
     return true;
 }
 
+// What one more picture asks of OpenGL. Triangles are those of ground and meshes.
+void CountCalls(benchmark::State& State) {
+    const SGlRecording Recorded;
+    GLevel->Render(1);
+    INT32 Shadow = 0;
+    INT32 Camera = 0;
+    for (const SGlStep& Step : Recorded.Steps) {
+        if (Step.State.at(GL_ELEMENT_ARRAY_BUFFER_BINDING) != 0) {
+            const UINT32 Target = static_cast<UINT32>(Step.State.at(GL_FRAMEBUFFER_BINDING));
+            (Target == GLevel->ShadowRT.FBO ? Shadow : Camera) += Step.Vertices / 3;
+        }
+    }
+    State.counters["gl_calls"] = Recorded.Calls;
+    State.counters["repeats"] = static_cast<double>(Recorded.Repeats.size());
+    State.counters["shadow_triangles"] = Shadow;
+    State.counters["triangles"] = Camera;
+}
+
 void Picture(benchmark::State& State) {
     if (!StartLevel(State, static_cast<UINT32>(State.range(0)) - 1)) {
         return;
     }
-    UINT32 Triangles = 0;
     for (auto _ : State) {
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
         GLevel->Render(1);
         glFinish();
     }
-    for (const SRenderData& Record : GLevel->SceneRecords) {
-        Triangles += Record.IndexCount / 3;
-    }
     State.counters["pictures"] = benchmark::Counter(1, benchmark::Counter::kIsIterationInvariantRate);
     State.counters["meshes"] = GLevel->VisibleClients.count;
-    State.counters["triangles"] = Triangles;
+    CountCalls(State);
 }
 
 // One pass of the first level's picture.
@@ -66,7 +81,7 @@ void Pass(benchmark::State& State, DrawPass&& Draw) {
         GLevel->SceneRT.Unbind();
         GLevel->BuildDrawList(false, 1, false, false);
         M_CameraLookAt(GViewMatrix);
-        M_Mat4Perspective(GProjectionMatrix, GCamera.Fov * 3.1415927f / 180, GCamera.Aspect, GCamera.Near, GCamera.Far);
+        M_CameraPerspective(GProjectionMatrix);
         GLevel->SetSunLight();
         glFinish();
         State.ResumeTiming();

@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr float PI = 3.1415927f;
-
 constexpr Mat4 IDENTITY = {{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}};
 
 // The axes of the view and the half sizes of the picture at unit distance from the eye.
@@ -91,6 +89,10 @@ void M_CameraLookAt(Mat4& Out) {
     Mat4 Move;
     M_Mat4Translation(Move, -GCamera.Eye);
     M_Mat4Mul(Out, Axes, Move);
+}
+
+void M_CameraPerspective(Mat4& Out) {
+    M_Mat4Perspective(Out, GCamera.Fov * DEGREES, GCamera.Aspect, GCamera.Near, GCamera.Far);
 }
 
 void M_CameraOrtho(Mat4& Out) {

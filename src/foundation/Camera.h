@@ -42,6 +42,7 @@ void M_CameraSet(const CameraState& In);
 void M_CameraLerp(const CameraState& a, const CameraState& b, float t);
 
 void M_CameraLookAt(Mat4& Out);
+void M_CameraPerspective(Mat4& Out);
 void M_CameraOrtho(Mat4& Out);
 
 // Far, near, top, bottom, left, right.

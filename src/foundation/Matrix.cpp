@@ -4,8 +4,6 @@
 
 namespace {
 
-constexpr float PI = 3.1415927f;
-
 // The twelve 2 by 2 minors from which determinant and adjugate are made: Upper[] of rows 0 and 1, Lower[] of rows 2
 // and 3, for the column pairs 01, 02, 03, 12, 13, 23.
 struct SMinors {

@@ -12,6 +12,9 @@
 
 #include <cmath>
 
+constexpr float PI = 3.1415927410125732f;
+constexpr float DEGREES = PI / 180.0f; // in radians
+
 struct Vec2 {
     float x = 0;
     float y = 0;

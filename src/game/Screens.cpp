@@ -3,7 +3,7 @@
 #include "foundation/GTemplate.h"
 #include "foundation/Screen.h"
 #include "game/GameState.h"
-#include "game/Gui.h"
+#include "gui/Gui.h"
 #include "graphics/ShaderLib.h"
 #include "graphics/TextureStorage.h"
 #include "input/Input.h"
@@ -212,7 +212,6 @@ void DrawLogo(float BlendDelta) {
     glUseProgram(Program);
     ShaderSetUniform1i(0, Program, "Texture");
     M_CameraLookAt(GViewMatrix);
-    constexpr float DEGREES = 3.1415927f / 180.0f; // in radians
     M_Mat4Perspective(GProjectionMatrix, GCamera.Fov * DEGREES, GCamera.Aspect, GCamera.Near, GCamera.Far);
     M_Mat4Identity(GWorldMatrix);
     ShaderSendWorldMatrix(Program);

@@ -18,8 +18,12 @@ namespace {
 // A level ends where the rider passes this part of its half length.
 constexpr float END_OF_SLOPE = -0.8f;
 
+bool WentDown(UINT32 Key) {
+    return GKeys[Key] && !GLastKeys[Key];
+}
+
 bool WantsSave() {
-    return (GKeys[SDLK_LCTRL] || GLastKeys[SDLK_LCTRL]) && GKeys[SDLK_s] && !GLastKeys[SDLK_s];
+    return (GKeys[SDLK_LCTRL] || GLastKeys[SDLK_LCTRL]) && WentDown(SDLK_s);
 }
 
 const CRider* FindRider() {
@@ -47,7 +51,11 @@ void TestForEnd(float Delta) {
     }
 }
 
+// While the level is edited the screens with buttons keep away: a click is meant for the scene.
 void RunScreen(float Delta) {
+    if (GLevel->EditMode && (GGameState == GAME_MENU || GGameState == GAME_END)) {
+        return;
+    }
     switch (GGameState) {
     case GAME_LOGO:
         LogoStep(Delta);
@@ -98,17 +106,23 @@ void SlopeRush::Free() {
 }
 
 void SlopeRush::Update(float, float Delta) {
+    if (WentDown(SDLK_F2) && !GPaused) {
+        GLevel->ToggleEditor();
+    }
     if (!GPaused) {
         GLevel->Update(Delta);
     }
     if (GLevel->EditMode && WantsSave()) {
         GLevel->SaveTemporaryLevel();
     }
-    TestForEnd(Delta);
-    GLevel->OverlayRT.Bind();
-    // The editor has drawn its rows in the level's update.
-    glClearColor(0, 0, 0, 0);
+    // A ride waits while its level is edited, and so does its clock.
     if (!GLevel->EditMode) {
+        TestForEnd(Delta);
+    }
+    GLevel->OverlayRT.Bind();
+    // Unless it is paused the editor has drawn its rows in the level's update.
+    glClearColor(0, 0, 0, 0);
+    if (!GLevel->EditMode || GPaused) {
         glClear(GL_COLOR_BUFFER_BIT);
     }
     RunScreen(Delta);

@@ -47,7 +47,7 @@ bool Changed(SUniformSlot& Slot, const T* v, INT32 Count) {
 template <typename T>
 const SUniformSlot* SlotToSend(const T* v, INT32 Count, UINT32 Program, const GString& Name) {
     SUniformSlot* Slot = nullptr;
-    if (!ShaderGetUniform(Program, Name, Slot) || !Changed(*Slot, v, Count)) {
+    if (!ShaderGetUniform(Program, Name, Slot) || Slot->Location < 0 || !Changed(*Slot, v, Count)) {
         return nullptr;
     }
     return Slot;
@@ -110,7 +110,7 @@ void ShaderSetUniform4fv(const float* v, UINT32 Program, const GString& Name) {
 void ShaderSetUniformMatrices(const float* v, UINT32 Program, const GString& Name, INT32 Count) {
     CheckValue(v);
     SUniformSlot* Slot = nullptr;
-    if (!ShaderGetUniform(Program, Name, Slot)) {
+    if (!ShaderGetUniform(Program, Name, Slot) || Slot->Location < 0) {
         return;
     }
     // The slot remembers the first matrix of an array only, which says nothing about the others.

@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr float PI = 3.1415927410125732f;
-
 float Radians(float Degrees) {
     return Degrees / 180.0f * PI;
 }

@@ -1,12 +1,13 @@
-// The layer for what the operating system gives: message box and question, directories, files by path, the clock, the
-// 15-bit random numbers and the place of the executable.
+// The layer for what the operating system gives: message box and question, file dialog, directories, files by path, the
+// clock, the 15-bit random numbers and the place of the executable.
 //
 // Every service that a machine without a display or a test must answer differently goes through GPlatform, a table of
 // function pointers. Tests put their own functions there and call PlatformRestore afterwards; nothing else writes it.
 //
 // Ownership: strings passed in are only read during the call. Strings are bytes in the file system's own encoding.
 // Paths may be written with either slash; a backslash becomes a slash before the operating system sees it.
-// Cost: each call is one or two system calls, but for the message box and the question, which wait for a person.
+// Cost: each call is one or two system calls, but for the message box, the question and the file dialog, which wait for
+// a person.
 // Bad input: a path longer than PLAT_MAX_PATH - 1 bytes fails like a missing file.
 #pragma once
 
@@ -18,12 +19,21 @@ constexpr int PLAT_MAX_PATH = 4096;
 // The largest value of PlatRand.
 constexpr int PLAT_RAND_MAX = 32767;
 
+enum class EFileChoice { Chosen, Cancelled, Failed };
+
 struct SPlatformServices {
     // Shows Text under Title with an error icon until it is dismissed. Without a display it goes to standard error.
     void (*ShowError)(const char* Title, const char* Text);
 
     // Asks a yes/no question; true is yes. Where nobody can answer, the result is Default.
     bool (*AskYesNo)(const char* Title, const char* Text, bool Default);
+
+    // Lets a person choose an existing file whose name ends in Suffix, first shown those in Folder, which is absolute
+    // and ends in a slash. Buffer holds the present choice or an empty text, and takes the new one if it is Chosen: an
+    // absolute path. Without a program for it, each call takes the next file of the folder, and lists them on standard
+    // output.
+    EFileChoice (*ChooseFile)(const char* Title, const char* FilterName, const char* Suffix, const char* Folder,
+                              char* Buffer, int Size);
 
     // Milliseconds since start-up, wrapping at 2^32.
     std::uint32_t (*Ticks)();
@@ -36,6 +46,10 @@ void PlatformRestore();
 
 // True if a window system can be reached to show a box in.
 bool PlatHasDisplay();
+
+// The real ChooseFile.
+EFileChoice PlatChooseFile(const char* Title, const char* FilterName, const char* Suffix, const char* Folder,
+                           char* Buffer, int Size);
 
 // Opens a file as fopen does. Text mode does not drop carriage returns: readers of text do so themselves.
 FILE* PlatOpenFile(const char* Path, const char* Mode);

@@ -1,5 +1,7 @@
 #include "scene/DrawHelpers.h"
 
+#include "graphics/ShaderLib.h"
+
 #include <GL/glew.h>
 
 namespace {
@@ -11,7 +13,6 @@ constexpr UINT32 VEIL_COLOR = 79u << 24;
 constexpr UINT32 WHITE = 0xFFFFFFFFu;
 
 constexpr INT32 BOX_CORNERS = 8;
-constexpr INT32 BOX_EDGES = 12;
 
 // Switches client arrays on for one draw and off again. GL_VERTEX_ARRAY is always on.
 struct SArrayScope {
@@ -35,30 +36,21 @@ struct SArrayScope {
     UINT32 Arrays[2];
 };
 
-void DrawVertices16(const SVertex16* Vertices, INT32 Count, UINT32 Mode) {
-    const SArrayScope Scope(GL_COLOR_ARRAY);
-    glVertexPointer(3, GL_FLOAT, sizeof(SVertex16), &Vertices->Pos);
-    glColorPointer(4, GL_UNSIGNED_BYTE, sizeof(SVertex16), &Vertices->Color);
-    glDrawArrays(Mode, 0, Count);
-}
-
 // Bit 0, 1 and 2 of Index choose the maximum on the x, y and z axis.
 Vec3 BoxCorner(const BBox& Box, INT32 Index) {
     return {Index & 1 ? Box.Max.x : Box.Min.x, Index & 2 ? Box.Max.y : Box.Min.y, Index & 4 ? Box.Max.z : Box.Min.z};
 }
 
-void DrawEdges(const Vec3 (&Corners)[BOX_CORNERS], UINT32 Color) {
-    SVertex16 Vertices[2 * BOX_EDGES];
+void MakeEdges(const Vec3 (&Corners)[BOX_CORNERS], UINT32 Color, SVertex16 (&Out)[BOX_LINE_VERTICES]) {
     INT32 Count = 0;
     for (INT32 From = 0; From < BOX_CORNERS; From++) {
         for (INT32 Axis = 1; Axis < BOX_CORNERS; Axis *= 2) {
             if (!(From & Axis)) {
-                Vertices[Count++] = {Corners[From], Color};
-                Vertices[Count++] = {Corners[From | Axis], Color};
+                Out[Count++] = {Corners[From], Color};
+                Out[Count++] = {Corners[From | Axis], Color};
             }
         }
     }
-    DrawVertices16(Vertices, Count, GL_LINES);
 }
 
 // From a sprite's centre to two neighbouring corners; the other two lie opposite.
@@ -81,6 +73,13 @@ SDiagonals BillboardDiagonals(const Vec3& Up, float Size, float Angle, float Str
 }
 
 } // namespace
+
+void DrawVertices16(const SVertex16* Vertices, INT32 Count, UINT32 Mode) {
+    const SArrayScope Scope(GL_COLOR_ARRAY);
+    glVertexPointer(3, GL_FLOAT, sizeof(SVertex16), &Vertices->Pos);
+    glColorPointer(4, GL_UNSIGNED_BYTE, sizeof(SVertex16), &Vertices->Color);
+    glDrawArrays(Mode, 0, Count);
+}
 
 void DrawVertices20(const SVertex20* Vertices, INT32 Count, UINT32 Mode) {
     glClientActiveTexture(GL_TEXTURE0);
@@ -110,12 +109,18 @@ void DrawRect(float Left, float Right, float Top, float Bottom, float Z) {
     DrawVertices16(Vertices, 4, GL_TRIANGLE_FAN);
 }
 
-void DrawBoxLines(const BBox& Box, UINT32 Color) {
+void MakeBoxLines(const BBox& Box, UINT32 Color, SVertex16 (&Out)[BOX_LINE_VERTICES]) {
     Vec3 Corners[BOX_CORNERS];
     for (INT32 i = 0; i < BOX_CORNERS; i++) {
         Corners[i] = BoxCorner(Box, i);
     }
-    DrawEdges(Corners, Color);
+    MakeEdges(Corners, Color, Out);
+}
+
+void DrawBoxLines(const BBox& Box, UINT32 Color) {
+    SVertex16 Lines[BOX_LINE_VERTICES];
+    MakeBoxLines(Box, Color, Lines);
+    DrawVertices16(Lines, BOX_LINE_VERTICES, GL_LINES);
 }
 
 void DrawRotatedBoxLines(const BBox& Box, const Quat& Rotation, UINT32 Color) {
@@ -126,7 +131,9 @@ void DrawRotatedBoxLines(const BBox& Box, const Quat& Rotation, UINT32 Color) {
         M_QuatRotate(Rotation, BoxCorner(Box, i) - Centre, Turned);
         Corners[i] = Centre + Turned;
     }
-    DrawEdges(Corners, Color);
+    SVertex16 Lines[BOX_LINE_VERTICES];
+    MakeEdges(Corners, Color, Lines);
+    DrawVertices16(Lines, BOX_LINE_VERTICES, GL_LINES);
 }
 
 void DrawQuads24(const SVertex24* Vertices, INT32 Count) {
@@ -172,6 +179,13 @@ void DrawBillboard(const Vec3& Centre, float Size, float Angle, float Layer, con
     SVertex40 Vertices[4];
     MakeBillboard40(Centre, Size, Angle, Vertices, Layer, Up, R, G, B, A);
     DrawQuads40(Vertices, 4);
+}
+
+void UseColorProgram() {
+    const UINT32 Program = ShaderGetProgram("ColorOnly", "ColorOnly");
+    glUseProgram(Program);
+    ShaderSendViewMatrix(Program);
+    ShaderSendProjectionMatrix(Program);
 }
 
 Quat QuatFromAxisAngle(const Vec3& Axis, float Angle) {

@@ -41,6 +41,7 @@ struct SVertex40 {
 static_assert(sizeof(SVertex16) == 16 && sizeof(SVertex20) == 20 && sizeof(SVertex24) == 24 && sizeof(SVertex40) == 40);
 
 // Mode is OpenGL's, such as GL_TRIANGLES.
+void DrawVertices16(const SVertex16* Vertices, INT32 Count, UINT32 Mode);
 void DrawVertices20(const SVertex20* Vertices, INT32 Count, UINT32 Mode);
 
 // The four corners with the texture upright when Top is above Bottom: (-1, 1, 1, -1) fills clip space.
@@ -49,6 +50,9 @@ void DrawQuad(float Left, float Right, float Top, float Bottom, float Z);
 // A dark veil: black at an alpha of 79 / 255.
 void DrawRect(float Left, float Right, float Top, float Bottom, float Z);
 
+// Twelve edges. Who has many boxes collects their lines and draws them at once.
+constexpr INT32 BOX_LINE_VERTICES = 24;
+void MakeBoxLines(const BBox& Box, UINT32 Color, SVertex16 (&Out)[BOX_LINE_VERTICES]);
 void DrawBoxLines(const BBox& Box, UINT32 Color);
 
 // Each corner is turned about the box's centre by M_QuatRotate.
@@ -65,6 +69,9 @@ void MakeBillboard40(const Vec3& Centre, float Size, float Angle, SVertex40 (&Ou
                      float R, float G, float B, float A);
 void DrawBillboard(const Vec3& Centre, float Size, float Angle, float Layer, const Vec3& Up, float R, float G, float B,
                    float A);
+
+// Makes the program ColorOnly current, for lines and faces without a texture, under GViewMatrix and GProjectionMatrix.
+void UseColorProgram();
 
 // Axis is of unit length.
 Quat QuatFromAxisAngle(const Vec3& Axis, float Angle);

@@ -10,7 +10,6 @@ namespace {
 constexpr int BANDS = 16;    // from pole to pole
 constexpr int SEGMENTS = 16; // round the horizon
 constexpr float RADIUS = 100.0f;
-constexpr float PI = 3.1415927f;
 
 SVertex20 SpherePoint(int Band, int Segment) {
     const float Pitch = PI * Band / BANDS - PI / 2;

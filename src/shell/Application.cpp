@@ -2,7 +2,7 @@
 
 #include "foundation/Diagnostics.h"
 #include "foundation/MemPool.h"
-#include "game/Gui.h"
+#include "gui/Gui.h"
 #include "game/IGame.h"
 #include "graphics/DrawingState.h"
 #include "graphics/ShaderLib.h"

@@ -16,9 +16,6 @@ constexpr float MOVE_SPEED = 60.0f;  // world units per second of the physics cl
 constexpr float BODY_RADIUS = 10.0f; // world units
 constexpr float LINEAR_DAMPING = 0.8f;
 constexpr float ANGULAR_DAMPING = 1.0f;
-constexpr float PI = 3.1415927410125732f;
-constexpr float TWO_PI = 6.2831854820251465f;
-constexpr float HALF_PI = 1.5707963705062866f;
 
 bool DownNowOrBefore(int Key) {
     return GKeys[Key] || GLastKeys[Key];
@@ -45,7 +42,7 @@ CFPSCameraEntity::~CFPSCameraEntity() {
 void CFPSCameraEntity::Update(float) {
     TurnByMouse();
     Vec3 Forward = M_Spherical({XYAngle, ZAngle, 1});
-    Vec3 Side = {M_Cos(XYAngle + HALF_PI), M_Sin(XYAngle + HALF_PI), 0};
+    Vec3 Side = {M_Cos(XYAngle + PI / 2), M_Sin(XYAngle + PI / 2), 0};
     if (DownNowOrBefore(SDLK_LSHIFT)) {
         Forward *= 2;
         Side *= 2;
@@ -65,7 +62,7 @@ void CFPSCameraEntity::Update(float) {
 void CFPSCameraEntity::TurnByMouse() {
     const float MoveX = GMousePos.x - GLastMousePos.x;
     const float MoveY = GMousePos.y - GLastMousePos.y;
-    XYAngle = std::fmod(XYAngle + MoveX * TURN_SPEED, TWO_PI);
+    XYAngle = std::fmod(XYAngle + MoveX * TURN_SPEED, 2 * PI);
     ZAngle += MoveY * TURN_SPEED;
     if (ZAngle < 0) {
         ZAngle = 0;

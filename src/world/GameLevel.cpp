@@ -42,6 +42,7 @@ CLevel::CLevel() {
         PhyAddCapsuleBody(EDITOR_BODY_RADIUS, 0, EDITOR_BODY_START.x, EDITOR_BODY_START.y, EDITOR_BODY_START.z, true);
     // Entering the world gave the body the world's own gravity; a camera hangs where it is put.
     GEditorBody->setGravity(btVector3(0, 0, 0));
+    InitMenus();
 }
 
 CLevel::~CLevel() {
@@ -54,6 +55,7 @@ CLevel::~CLevel() {
         Terrain->Free();
         delete Terrain;
     }
+    FreeMenus();
     delete Grid;
     FreeTargets();
 }
@@ -85,6 +87,7 @@ void CLevel::TryGeoMeshes() const {
 }
 
 void CLevel::Build(const char* Path) {
+    PopMenusToBase();
     TryGeoMeshes();
     const float Reach = std::max({Params.SizeX, Params.SizeY, Params.SizeZ});
     Grid->Init({{-Reach, -Reach, -Reach}, {Reach, Reach, Reach}}, {GRID_CELLS, GRID_CELLS, GRID_CELLS});
@@ -105,7 +108,11 @@ void CLevel::Build(const char* Path) {
 }
 
 void CLevel::Update(float Delta) {
-    PhyStep(Delta);
+    if (EditMode) {
+        UpdateEditor(Delta);
+    } else {
+        PhyStep(Delta);
+    }
     for (UINT32 i = 0; i < Entities.count; ++i) {
         Entities[i]->Update(Delta);
     }
@@ -149,6 +156,7 @@ void CLevel::AddSpatialClient(IRenderable* Client) {
 }
 
 void CLevel::RemoveSpatialClient(IRenderable* Client) {
+    DeselectGone(Client);
     RemoveClient(Grid, Client);
     for (auto* Node = SpatialClients.first; Node; Node = Node->next) {
         if (Node->obj == Client) {
@@ -169,11 +177,11 @@ void CLevel::MoveSpatialClient(IRenderable* Client) {
     AddClient(Grid, Client);
 }
 
-void CLevel::TraceClients(const Ray& PickRay) {
+UINT32 CLevel::TraceClients(const Ray& PickRay) {
     PickHits.Hits.Clear();
     PickHits.StepAllowance = 0;
     ++GSpatialStamp;
-    TraceGrid(Grid, PickRay, &PickHits);
+    return TraceGrid(Grid, PickRay, &PickHits);
 }
 
 void CLevel::CollectEntityDefs() {

@@ -45,7 +45,7 @@ struct SLevelParams {
     float Wind_Pitch = 0;
     float Wind_Speed = 0;
     float Gravity_Angle = 0;
-    float Gravity_Pitch = 3.1415927f;
+    float Gravity_Pitch = PI;
     float Gravity_Strength = 10;
 };
 

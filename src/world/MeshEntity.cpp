@@ -14,6 +14,9 @@ CMeshEntity::CMeshEntity(const GProperties& Props) : CEntity(Props) {
         ReadProperty(It.Key(), It.Value());
     }
     Client.HoldState();
+    TakenPos = Client.Pos;
+    TakenScale = Client.Scale;
+    TakenRot = Client.Rot;
     Client.UpdateBounds(true, false);
     GLevel->AddSpatialClient(&Client);
 }
@@ -41,14 +44,15 @@ void CMeshEntity::ReadProperty(const GString& Key, const GString& Value) {
     }
 }
 
-// One kind of change a step: what else was written waits for the next ones.
+// One kind of change a step: what else was written waits for the next ones. The client's own state of the step before
+// does not tell, as its setters write that too.
 bool CMeshEntity::TakeOverChange() {
-    if (Client.Pos != Client.PrevPos) {
-        Client.PrevPos = Client.Pos;
-    } else if (Client.Scale != Client.PrevScale) {
-        Client.PrevScale = Client.Scale;
-    } else if (!(Client.Rot == Client.PrevRot)) {
-        Client.PrevRot = Client.Rot;
+    if (Client.Pos != TakenPos) {
+        TakenPos = Client.PrevPos = Client.Pos;
+    } else if (Client.Scale != TakenScale) {
+        TakenScale = Client.PrevScale = Client.Scale;
+    } else if (!(Client.Rot == TakenRot)) {
+        TakenRot = Client.PrevRot = Client.Rot;
     } else {
         return false;
     }

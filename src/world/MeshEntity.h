@@ -24,4 +24,9 @@ public:
 private:
     void ReadProperty(const GString& Key, const GString& Value);
     bool TakeOverChange();
+
+    // What the bounds were last built from.
+    Vec3 TakenPos;
+    Vec3 TakenScale;
+    Quat TakenRot;
 };

@@ -1,7 +1,7 @@
 // The flow of the game as the shell drives it: which screen follows on which click, what each one writes, and that a
 // hundred levels leave nothing behind.
 #include "game/GameFixture.h"
-#include "game/Gui.h"
+#include "gui/Gui.h"
 #include "game/Screens.h"
 #include "game/SlopeRush.h"
 #include "scene/GLFont.h"

@@ -29,15 +29,15 @@ TEST_F(Play, ARideGoesFromTheLogoThroughPauseAndMenuToAnOrderlyEnd) {
     ExpectOrderlyEnd();
 }
 
-TEST_F(Play, KeysTurnTheRiderCutAndPush) {
-    WriteQuickLevels();
+// Far from the end of the slope: steering pushes him a little, for as long as a slow machine needs to show it.
+TEST_F(Play, KeysTurnTheRider) {
+    WriteQuickLevels("gravr=0", "", "0;0;1500");
     ASSERT_NO_FATAL_FAILURE(StartToRide());
     CPixels Before = PictureOf(Window, SCENE);
     EXPECT_TRUE(HoldUntil("Left", [&] { return ShiftSince(Before) > 8; })) << "the world goes to the right";
     Before = PictureOf(Window, SCENE);
     EXPECT_TRUE(HoldUntil("Right", [&] { return ShiftSince(Before) < -8; }));
     EXPECT_TRUE(SeesRide()) << "no tree is cut yet";
-    EXPECT_TRUE(HoldUntil("space", [&] { return Says("Trees cut: 40/20", TREES, GREEN); }));
 }
 
 TEST_F(Play, FailedAndWonLevelsLeadThroughTheGameAndToItsBeginning) {

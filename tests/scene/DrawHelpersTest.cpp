@@ -9,7 +9,6 @@ namespace {
 
 using DrawTest = GlFixture;
 
-constexpr float PI = 3.14159265f;
 const UINT32 ORANGE = 0x800080FFu; // R 255, G 128, B 0, A 128
 
 // x, y, z; red, green, blue, alpha; texture coordinates s, t, r; all in hundredths.

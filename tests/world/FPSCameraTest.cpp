@@ -5,7 +5,6 @@
 
 namespace {
 
-constexpr float PI = 3.14159265f;
 constexpr float GROUND = 51;
 constexpr float STAND = GROUND + 10; // by the body's radius
 

@@ -96,11 +96,10 @@ protected:
     // Adds LodStep to the level of every second column of leaves; from 2 on no list mates with that. Leaves in the far
     // corners of the view, which have no triangles, are drawn as the coarsest: their border lies deep in the fog.
     void CountFrom(const Vec3& Eye, float Heading, UINT32 LodStep) {
-        constexpr float RADIANS = 3.14159265f / 180;
         constexpr UINT32 COARSEST = 4;
         LookFrom(Eye, Eye + Vec3{std::cos(Heading), std::sin(Heading), 0});
         M_CameraLookAt(GViewMatrix);
-        M_Mat4Perspective(GProjectionMatrix, GCamera.Fov * RADIANS, GCamera.Aspect, GCamera.Near, GCamera.Far);
+        M_CameraPerspective(GProjectionMatrix);
         ClearWindow(1, 0, 1);
         STerrain& Terrain = *GLevel->Terrain;
         if (Terrain.Visible(false)) {

@@ -3,8 +3,6 @@
 
 namespace {
 
-constexpr double PI = 3.14159265358979;
-
 Vec3 Spherical(double Angle, double Pitch) {
     return {static_cast<float>(std::cos(Angle) * std::sin(Pitch)),
             static_cast<float>(std::sin(Angle) * std::sin(Pitch)), static_cast<float>(std::cos(Pitch))};
@@ -12,7 +10,7 @@ Vec3 Spherical(double Angle, double Pitch) {
 
 // The turn by Pitch - pi round Y against the sense of the books, then that by Angle round Z, with plain sines.
 Vec3 TurnedByGravity(const Vec3& v, double Angle, double Pitch) {
-    const double Tilt = PI - Pitch;
+    const double Tilt = static_cast<double>(PI) - Pitch;
     const double x = v.x * std::cos(Tilt) + v.z * std::sin(Tilt);
     const double z = v.z * std::cos(Tilt) - v.x * std::sin(Tilt);
     return {static_cast<float>(x * std::cos(Angle) + v.y * std::sin(Angle)),
@@ -34,7 +32,7 @@ protected:
             P.LightDir_Angle = static_cast<float>(i % 4) * 1.3f - 1;
             P.LightDir_Pitch = static_cast<float>(i % 5) * 0.7f;
             P.Gravity_Angle = static_cast<float>(i / 3 % 3) * 1.7f - 2;
-            P.Gravity_Pitch = static_cast<float>(PI) + static_cast<float>(i % 3) * 0.25f * (i % 2 ? 1.0f : -1.0f);
+            P.Gravity_Pitch = PI + static_cast<float>(i % 3) * 0.25f * (i % 2 ? 1.0f : -1.0f);
             Check();
         }
     }

@@ -29,6 +29,7 @@ struct SSkill {
     float AimError;   // radians by which a chosen way is off, standard deviation
     float CutError;   // seconds by which a stroke comes early or late, standard deviation
     float TreeReward; // height that it would give away for one tree
+    float Care;       // part of the trees due by now that it wants to have; with fewer it takes its time
 };
 
 enum ESkill { BEGINNER, AVERAGE, EXPERT, SKILL_COUNT };
@@ -38,8 +39,8 @@ class CBot {
 public:
     CBot(const SSkill& Skill, UINT32 Seed);
 
-    // What it presses in the next step. Wanted: trees still to be cut.
-    SBotKeys Think(UINT32 Wanted);
+    // What it presses in the next step. Wanted: trees still to be cut. Who steers pushes only in a hurry.
+    SBotKeys Think(UINT32 Wanted, bool Hurry);
 
 private:
     struct SView {

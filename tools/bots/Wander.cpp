@@ -51,16 +51,16 @@ void BeginRun(UINT32 Level, UINT32 Seed, EStart Start) {
     CBot Bot(Skills[AVERAGE], Seed);
     const float Way = std::uniform_real_distribution<float>(0, LONGEST_WAY)(Chance);
     for (float Time = 0; Time < Way && !IsAtTheEnd(TheRider().Client.Pos); Time += BOT_STEP) {
-        StepLevel(Bot.Think(0));
+        StepLevel(Bot.Think(0, true));
     }
 }
 
-// Until the end of the slope, the first fault or the run's time.
-void Run(UINT32 Seed, SWander& Result) {
+// Until the end of the slope, the first fault or so many seconds.
+void Run(UINT32 Seed, float Seconds, SWander& Result) {
     const CRider& Rider = TheRider();
     CWanderer Hands(Seed);
     Result.Watch.BeginRun();
-    for (float Time = 0; Time < MAX_WANDER; Time += BOT_STEP) {
+    for (float Time = 0; Time < Seconds; Time += BOT_STEP) {
         StepLevel(Hands.Think(Result.Watch.IsHeldUp()));
         Result.Time += BOT_STEP;
         const Vec3& Place = Rider.Client.Pos;
@@ -119,7 +119,7 @@ SWander Wander(UINT32 Level, float Seconds, EStart Start) {
     SWander Result;
     while (Result.Time < Seconds) {
         BeginRun(Level, ++Result.Runs, Start);
-        Run(Result.Runs, Result);
+        Run(Result.Runs, std::min(MAX_WANDER, Seconds - Result.Time), Result);
     }
     return Result;
 }

@@ -26,6 +26,7 @@
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,8 +36,7 @@ constexpr UINT32 THUMB_WIDTH = 320;
 constexpr UINT32 THUMB_HEIGHT = THUMB_WIDTH * WINDOW_HEIGHT / WINDOW_WIDTH;
 constexpr float FIRST_PICTURE = 0.5f; // seconds after the start
 constexpr int MENU_PICTURES = 2;
-constexpr float REST_TIME = 4;    // seconds that are shown after the end
-constexpr UINT32 SPARE_TREES = 2; // over the quota, before the bot stops looking for trees
+constexpr float REST_TIME = 4; // seconds that are shown after the end
 
 struct SWishes {
     UINT32 Level = 1;
@@ -118,6 +118,7 @@ private:
 
     std::unique_ptr<IGame> Real;
     std::unique_ptr<CBot> Bot;
+    std::optional<CPlan> Plan;
     CSheet Sheet;
     float Time = 0;
     float EndTime = 0; // when the level ended, 0 before
@@ -137,6 +138,7 @@ void CRideGame::Init() {
     StartRide(GLevelIndex, Wishes.Seed);
     GTimeLeft = GLevels[GLevelIndex].TimeLimit;
     Bot = std::make_unique<CBot>(Skills[EXPERT], Wishes.Seed);
+    Plan.emplace(GLevels[GLevelIndex]);
     StepFor(FIRST_PICTURE);
 }
 
@@ -148,8 +150,7 @@ void CRideGame::StepFor(float Seconds) {
 
 void CRideGame::StepOnce() {
     if (Bot) {
-        const UINT32 Goal = GLevels[GLevelIndex].Quota + SPARE_TREES;
-        PressKeys(Bot->Think(Goal > GTreesCut ? Goal - GTreesCut : 0));
+        PressKeys(Bot->Think(Plan->Wanted(), Plan->Hurry(Time, Skills[EXPERT].Care)));
     }
     Real->Update(Time, BOT_STEP);
     Time += BOT_STEP;

@@ -29,9 +29,8 @@
 
 namespace {
 
-constexpr float DEGREES = 3.1415927f / 180; // in radians
-constexpr float TURN_SPEED = 60 * DEGREES;  // a second
-constexpr float ZOOM = 1.02f;               // a step
+constexpr float TURN_SPEED = 60 * DEGREES; // a second
+constexpr float ZOOM = 1.02f;              // a step
 constexpr float STEP = 1.0f / 60;
 
 struct SWishes {

@@ -6,6 +6,7 @@
 #include "world/GameLevel.h"
 
 #include <GL/glew.h>
+#include <algorithm>
 
 namespace {
 
@@ -17,16 +18,17 @@ constexpr INT32 PROJECTED_MAP_UNIT = 7;
 
 constexpr UINT32 TEXTURE_UNITS = 8;
 
+// What no texture, buffer or set of flags is called.
+constexpr UINT32 UNKNOWN = ~UINT32{0};
+
+// The flags that say how a record is blended.
+constexpr UINT8 BLEND_FLAGS = RENDER_TRANSPARENT | RENDER_ADDITIVE | RENDER_SCREEN;
+
 // Bone indices of a vertex.
 constexpr INT32 BONES_PER_VERTEX = 4;
 
 const void* BufferOffset(UINT32 Offset) {
     return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(Offset));
-}
-
-void BindUnit(INT32 Unit, UINT32 Texture) {
-    glActiveTexture(GL_TEXTURE0 + static_cast<UINT32>(Unit));
-    glBindTexture(GL_TEXTURE_2D, Texture);
 }
 
 // An array that the record lacks is switched off: one left on would be read past its end.
@@ -51,27 +53,55 @@ void SetArray(UINT32 Array, UINT32 Offset) {
 // One walk over a list. What is bound is remembered from record to record.
 class CListDrawing {
 public:
-    explicit CListDrawing(bool Shadow) : Shadow(Shadow) {}
+    // Blending is on throughout in a light pass, else per record. A Program that is current already, or 0.
+    CListDrawing(bool Light, bool Shadow, UINT32 Program) : Light(Light), Shadow(Shadow), Program(Program) {
+        std::fill(std::begin(Textures), std::end(Textures), UNKNOWN);
+    }
 
     void Draw(const SDrawEntry& Entry);
     void Finish() const;
 
 private:
+    void SetBlending(UINT8 Flags);
     void SetState(const SDrawEntry& Entry);
     void UseProgram(const SRenderData& Rd);
     void SetVertices(const SRenderData& Rd) const;
     void SetSkin(const SRenderData& Rd);
     void SetMaps();
-    void DrawIndices(const SRenderData& Rd) const;
+    void BindTexture(INT32 Unit, UINT32 Texture);
+    void DrawIndices(const SRenderData& Rd);
 
+    bool Light;
     bool Shadow;
+    UINT32 Program;
     UINT64 StateId = 0;
-    UINT32 Program = 0;
-    INT32 IndicesLocation = -1; // of the attribute in Program
-    UINT32 BoundShadowMap = 0;
-    UINT32 BoundProjectedMap = 0;
+    UINT32 Blending = UNKNOWN;  // BLEND_FLAGS of the last record
+    INT32 IndicesLocation = -1; // of the attribute in Program, -1 if there is none
+    bool Skinned = false;       // the present state takes its bones from the attribute
+    UINT32 IndexBuffer = UNKNOWN;
+    UINT32 Textures[TEXTURE_UNITS]; // bound by this walk
     Mat4 Matrices[MESH_MAX_BONES];
 };
+
+void CListDrawing::SetBlending(UINT8 Flags) {
+    const UINT8 Wanted = Flags & BLEND_FLAGS;
+    if (Wanted == Blending) {
+        return;
+    }
+    Blending = Wanted;
+    if (!Light && (Wanted & RENDER_TRANSPARENT)) {
+        glEnable(GL_BLEND);
+    } else if (!Light) {
+        glDisable(GL_BLEND);
+    }
+    if (Wanted & RENDER_ADDITIVE) {
+        glBlendFunc(GL_ONE, GL_ONE);
+    } else if (Wanted & RENDER_SCREEN) {
+        glBlendFunc(GL_ONE_MINUS_DST_COLOR, GL_ONE);
+    } else {
+        glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+    }
+}
 
 void CListDrawing::UseProgram(const SRenderData& Rd) {
     if (Rd.VS.Empty() || Rd.PS.Empty()) {
@@ -90,6 +120,7 @@ void CListDrawing::UseProgram(const SRenderData& Rd) {
     if (Wanted != Program) {
         glUseProgram(Wanted);
         Program = Wanted;
+        IndicesLocation = glGetAttribLocation(Program, "Indices");
     }
 }
 
@@ -109,15 +140,15 @@ void CListDrawing::SetVertices(const SRenderData& Rd) const {
 }
 
 void CListDrawing::SetSkin(const SRenderData& Rd) {
-    IndicesLocation = -1;
-    if (Rd.SkinWeightOffset == NO_OFFSET || Rd.SkinIndexOffset == NO_OFFSET) {
+    Skinned = Rd.SkinWeightOffset != NO_OFFSET && Rd.SkinIndexOffset != NO_OFFSET;
+    if (!Skinned) {
         SetTexCoordArray(2, 0, 0, NO_OFFSET);
         return;
     }
     glBindBuffer(GL_ARRAY_BUFFER, Rd.SkinBuffer);
     SetTexCoordArray(2, 4, Rd.SkinStride, Rd.SkinWeightOffset);
-    IndicesLocation = glGetAttribLocation(Program, "Indices");
-    if (IndicesLocation >= 0) {
+    Skinned = IndicesLocation >= 0;
+    if (Skinned) {
         glVertexAttribPointer(static_cast<UINT32>(IndicesLocation), BONES_PER_VERTEX, GL_UNSIGNED_BYTE, GL_FALSE,
                               Rd.SkinStride, BufferOffset(Rd.SkinIndexOffset));
     }
@@ -126,14 +157,16 @@ void CListDrawing::SetSkin(const SRenderData& Rd) {
 void CListDrawing::SetMaps() {
     ShaderSetUniformMatrices(GSMMatrix.M, Program, "SMMatrix", 1);
     ShaderSetUniform1i(SHADOW_MAP_UNIT, Program, "ShadowMap");
-    if (BoundShadowMap != GShadowTexture) {
-        BindUnit(SHADOW_MAP_UNIT, GShadowTexture);
-        BoundShadowMap = GShadowTexture;
-    }
+    BindTexture(SHADOW_MAP_UNIT, GShadowTexture);
     ShaderSetUniform1i(PROJECTED_MAP_UNIT, Program, "ProjMap");
-    if (BoundProjectedMap != GProjTexture) {
-        BindUnit(PROJECTED_MAP_UNIT, GProjTexture);
-        BoundProjectedMap = GProjTexture;
+    BindTexture(PROJECTED_MAP_UNIT, GProjTexture);
+}
+
+void CListDrawing::BindTexture(INT32 Unit, UINT32 Texture) {
+    if (Textures[Unit] != Texture) {
+        glActiveTexture(GL_TEXTURE0 + static_cast<UINT32>(Unit));
+        glBindTexture(GL_TEXTURE_2D, Texture);
+        Textures[Unit] = Texture;
     }
 }
 
@@ -142,8 +175,8 @@ void CListDrawing::SetState(const SDrawEntry& Entry) {
     UseProgram(Rd);
     SetVertices(Rd);
     SetSkin(Rd);
-    BindUnit(0, Rd.Texture0);
-    BindUnit(1, Rd.Texture1);
+    BindTexture(0, Rd.Texture0);
+    BindTexture(1, Rd.Texture1);
     Rd.Client->SetupPart(Rd.PartId, Program);
     SetMaps();
     ShaderSendViewMatrix(Program);
@@ -152,22 +185,26 @@ void CListDrawing::SetState(const SDrawEntry& Entry) {
 }
 
 // The attribute is on for the one call only: whatever draws next may not know of it.
-void CListDrawing::DrawIndices(const SRenderData& Rd) const {
+void CListDrawing::DrawIndices(const SRenderData& Rd) {
     if (Rd.IndexOffset == NO_OFFSET) {
         return;
     }
-    if (IndicesLocation >= 0) {
+    if (Skinned) {
         glEnableVertexAttribArray(static_cast<UINT32>(IndicesLocation));
     }
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, Rd.IndexBuffer);
+    if (IndexBuffer != Rd.IndexBuffer) {
+        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, Rd.IndexBuffer);
+        IndexBuffer = Rd.IndexBuffer;
+    }
     glDrawElements(GL_TRIANGLES, static_cast<INT32>(Rd.IndexCount), GL_UNSIGNED_INT, BufferOffset(Rd.IndexOffset));
-    if (IndicesLocation >= 0) {
+    if (Skinned) {
         glDisableVertexAttribArray(static_cast<UINT32>(IndicesLocation));
     }
 }
 
 void CListDrawing::Draw(const SDrawEntry& Entry) {
     const SRenderData& Rd = *Entry.Record;
+    SetBlending(Rd.Flags);
     if (Rd.StateId != StateId) {
         SetState(Entry);
     }
@@ -177,6 +214,10 @@ void CListDrawing::Draw(const SDrawEntry& Entry) {
 }
 
 void CListDrawing::Finish() const {
+    if (!Light && (Blending & RENDER_TRANSPARENT)) {
+        glDisable(GL_BLEND);
+    }
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glBindBuffer(GL_ARRAY_BUFFER, 0);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
     glDisableClientState(GL_NORMAL_ARRAY);
@@ -184,19 +225,6 @@ void CListDrawing::Finish() const {
     for (UINT32 Unit = 0; Unit < TEXTURE_UNITS; ++Unit) {
         glClientActiveTexture(GL_TEXTURE0 + Unit);
         glDisableClientState(GL_TEXTURE_COORD_ARRAY);
-    }
-}
-
-void SetBlending(UINT8 Flags) {
-    if (Flags & RENDER_TRANSPARENT) {
-        glEnable(GL_BLEND);
-    }
-    if (Flags & RENDER_ADDITIVE) {
-        glBlendFunc(GL_ONE, GL_ONE);
-    } else if (Flags & RENDER_SCREEN) {
-        glBlendFunc(GL_ONE_MINUS_DST_COLOR, GL_ONE);
-    } else {
-        glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     }
 }
 
@@ -221,17 +249,12 @@ void CLevel::DrawList(bool Light, bool Shadow, bool LightList) {
     }
     Frustum View;
     M_CameraFrustum(View);
-    CListDrawing Drawing(Shadow);
+    CListDrawing Drawing(Light, Shadow, Shadow ? ShadowProgram : 0);
     for (const SDrawEntry& Entry : Light || LightList ? LightEntries : SceneEntries) {
         if (Light && IsLeftOutOfLight(Entry, View)) {
             continue;
         }
-        SetBlending(Entry.Record->Flags);
         Drawing.Draw(Entry);
-        if (!Light) {
-            glDisable(GL_BLEND);
-        }
-        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     }
     Drawing.Finish();
 }

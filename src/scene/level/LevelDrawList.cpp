@@ -4,22 +4,30 @@
 
 namespace {
 
-// A record at the end of the array, empty but for the storage it had. Growing by doubling keeps whole pictures free of
-// allocations once the list was long enough.
-SRenderData& NewRecord(GArray<SRenderData>& Records) {
-    if (Records.count == Records.Capacity) {
-        Records.Reserve(2 * Records.count + 1);
-    }
-    Records.Resize(Records.count + 1);
-    return Records[Records.count - 1];
-}
+// The records of the list under construction. Those of the last list stay alive to be filled anew, so that a record
+// costs neither construction nor destruction; growing by doubling keeps whole pictures free of allocations once the
+// list was long enough.
+struct SRecordWriter {
+    GArray<SRenderData>& Records;
+    UINT32 Used = 0;
 
-void AddPart(GArray<SRenderData>& Records, IRenderable& Client, UINT32 Flags, UINT32 Id, float BlendDelta) {
-    SRenderData& Record = NewRecord(Records);
+    SRenderData& Next() {
+        if (Used == Records.count) {
+            if (Used == Records.Capacity) {
+                Records.Reserve(2 * Used + 1);
+            }
+            Records.Resize(Used + 1);
+        }
+        return Records[Used];
+    }
+};
+
+void AddPart(SRecordWriter& Writer, IRenderable& Client, UINT32 Flags, UINT32 Id, float BlendDelta) {
+    SRenderData& Record = Writer.Next();
     if (!Client.GetRenderData(Flags, Id, &Record) || (Record.Flags & RENDER_HIDDEN)) {
-        Records.Resize(Records.count - 1);
         return;
     }
+    ++Writer.Used;
     Record.SortKey = RenderSortKey(Record);
     Record.PartId = Id;
     Record.Client = &Client;
@@ -41,16 +49,20 @@ void CLevel::BuildDrawList(bool OrthoPlanes, float BlendDelta, bool LightList, b
     GArray<SRenderData>& Records = LightList ? LightRecords : SceneRecords;
     VisibleClients.Resize(0);
     Entries.Resize(0);
-    Records.Resize(0);
+    SRecordWriter Writer = {Records};
 
     QueryMeshClients(Grid->Root, &VisibleClients, View.Planes, MAX_QUERY_PLANES);
     const UINT32 Flags = ShadowFlags ? 1 : 0;
     for (IRenderable* Client : VisibleClients) {
+        if (ShadowFlags && M_BBoxOutsidePlanes(Client->BBox, CasterPlanes.Data, static_cast<int>(CasterPlanes.count))) {
+            continue;
+        }
         const UINT32 PartCount = Client->GetPartCount(Flags);
         for (UINT32 Id = 0; Id < PartCount; ++Id) {
-            AddPart(Records, *Client, Flags, Id, BlendDelta);
+            AddPart(Writer, *Client, Flags, Id, BlendDelta);
         }
     }
+    Records.Resize(Writer.Used);
     // The records stay where they are only from here on.
     for (const SRenderData& Record : Records) {
         Entries.Add({Record.SortKey, &Record});

@@ -1,4 +1,4 @@
-// One picture of a level: shadow map of the sun, the scene into SceneRT, and one full-screen draw into the window.
+// One picture of a level: shadow maps, the scene into SceneRT, and one full-screen draw into the window.
 #include "graphics/ShaderLib.h"
 #include "physics/Physics.h"
 #include "scene/DrawHelpers.h"
@@ -7,8 +7,6 @@
 
 #include <GL/glew.h>
 #include <btBulletDynamicsCommon.h>
-
-static constexpr float DEGREES = 3.1415927f / 180.0f; // in radians
 
 // The game has cleared the window. All decisions by distance, in every pass, are taken from the picture's own eye.
 void CLevel::Render(float BlendDelta) {
@@ -20,20 +18,29 @@ void CLevel::Render(float BlendDelta) {
     ShaderSendFog(Sky.Program);
     GFogData = {Params.FogDist, Params.FogExp};
 
+    if (EditMode) {
+        SetEditorCamera(BlendDelta);
+    }
     GLodCameraPos = GCamera.Eye;
     RenderSunShadow(BlendDelta);
+    CollectLights();
+    RenderLightShadows(BlendDelta);
 
     M_CameraLookAt(GViewMatrix);
-    M_Mat4Perspective(GProjectionMatrix, GCamera.Fov * DEGREES, GCamera.Aspect, GCamera.Near, GCamera.Far);
+    M_CameraPerspective(GProjectionMatrix);
     RenderScene(BlendDelta, false);
     SceneRT.Unbind();
     PostProcess();
+    if (EditMode) {
+        DrawEditorOverlay();
+    }
 }
 
 void CLevel::RenderSunShadow(float BlendDelta) {
     const CameraState Saved = GCamera;
     ShadowRT.Bind();
     glClear(GL_DEPTH_BUFFER_BIT);
+    FindCasterPlanes();
     SetSunCamera();
     M_CameraLookAt(GViewMatrix);
     M_CameraOrtho(GProjectionMatrix);
@@ -50,7 +57,10 @@ void CLevel::RenderSunShadow(float BlendDelta) {
 // finished depth at the far plane.
 void CLevel::RenderScene(float BlendDelta, bool ShadowPass) {
     if (ShadowPass) {
-        RenderTerrainShadow();
+        ShaderSetUniform1i(0, ShadowProgram, "Texture");
+        glActiveTexture(GL_TEXTURE0);
+        glBindTexture(GL_TEXTURE_2D, 0);
+        RenderTerrainShadow(true, GLodCameraPos);
         DrawList(false, true, false);
         return;
     }
@@ -62,19 +72,17 @@ void CLevel::RenderScene(float BlendDelta, bool ShadowPass) {
     Sky.Draw(GravityRotation());
     DrawSun();
     glDepthRange(0.0, 1.0);
+    RenderLightPasses(BlendDelta);
     if (GPhyShowDebug) {
         DrawPhysicsLines();
     }
 }
 
-void CLevel::RenderTerrainShadow() {
-    ShaderSetUniform1i(0, ShadowProgram, "Texture");
-    glActiveTexture(GL_TEXTURE0);
-    glBindTexture(GL_TEXTURE_2D, 0);
-    if (!Terrain->Visible(true)) {
+void CLevel::RenderTerrainShadow(bool OrthoPlanes, const Vec3& LodFrom) {
+    if (!Terrain->Visible(OrthoPlanes)) {
         return;
     }
-    Terrain->SetLods(GLodCameraPos, Params.ClipDist);
+    Terrain->SetLods(LodFrom, Params.ClipDist);
     Terrain->Bind(true, true);
     ShaderSendWorldMatrix(ShadowProgram);
     Terrain->DrawLeaves();
@@ -83,10 +91,7 @@ void CLevel::RenderTerrainShadow() {
 
 // The wires of all bodies near the eye, hidden where the scene stands before them.
 void CLevel::DrawPhysicsLines() {
-    const UINT32 Program = ShaderGetProgram("ColorOnly", "ColorOnly");
-    glUseProgram(Program);
-    ShaderSendViewMatrix(Program);
-    ShaderSendProjectionMatrix(Program);
+    UseColorProgram();
     GPhyWorld->debugDrawWorld();
 }
 

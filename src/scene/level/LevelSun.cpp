@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr float PI = 3.1415927f;
-
 // Side of the square that the shadow map covers round the eye, in world units.
 constexpr float SHADOW_VIEW_SIZE = 1000.0f;
 
@@ -52,6 +50,19 @@ void CLevel::SetSunCamera() const {
     GCamera.Aspect = SHADOW_VIEW_SIZE;
     GCamera.Near = -Params.ClipDist;
     GCamera.Far = 2 * Params.ClipDist;
+}
+
+// What stands beyond a side of the view that the light travels away from shades nothing that is in view.
+void CLevel::FindCasterPlanes() {
+    Frustum View;
+    M_CameraFrustum(View);
+    const Vec3 ToSun = SunDirection();
+    CasterPlanes.Resize(0);
+    for (const Plane& Side : View.Planes) {
+        if (M_Dot(Side.Normal, ToSun) <= 0) {
+            CasterPlanes.Add(Side);
+        }
+    }
 }
 
 void CLevel::SetSunLight() {
