@@ -27,7 +27,7 @@ struct SCoursePoint {
     float y, x, HalfWidth;
 };
 
-// A rock that parts the ride, pointed uphill and downhill.
+// A rock that parts the ride, pointed uphill and downhill; it bends with the ride.
 struct SIsland {
     float y, Beside; // its middle; Beside the middle of the ride
     float HalfLength, HalfWidth, Height;
@@ -464,7 +464,7 @@ float CSlope::IslandAt(const SPlace& Place) const {
     float Highest = 0;
     for (const SIsland& Island : Params.Islands) {
         if (Island.Height > 0) {
-            const float Across = (Place.x - CourseAt(Island.y).x - Island.Beside) / Island.HalfWidth;
+            const float Across = (Place.x - Place.Middle - Island.Beside) / Island.HalfWidth;
             const float Along = (Place.y - Island.y) / Island.HalfLength;
             const float Far = (std::fabs(Across) + std::fabs(Along)) * CraggyAt(Place);
             Highest = std::max(Highest, Island.Height * (1 - SmoothStep(0.3f, 1.1f, Far)));
