@@ -1,4 +1,5 @@
 #include "foundation/Diagnostics.h"
+#include "foundation/FileDialog.h"
 #include "support/Common.h"
 
 namespace {
@@ -29,6 +30,25 @@ TEST_F(Diagnostics, FatalErrorsAreShownAndCollectInTheLogWhichTakesThemWhole) {
     fs::remove("error.log");
     fs::create_directory("error.log");
     EXPECT_FATAL(FatalError("still seen"), "\\[Error!\\]\\[10\\]\\[still seen\\]");
+}
+
+TEST_F(Diagnostics, AMeshIsChosenBelowTheModelsOrNotAtAll) {
+    static std::string Chosen;
+    static EFileChoice Choice = EFileChoice::Chosen;
+    GPlatform.ChooseFile = [](const char*, const char*, const char*, const char*, char* Buffer, int Size) {
+        std::snprintf(Buffer, static_cast<std::size_t>(Size), "%s", Chosen.c_str());
+        return Choice;
+    };
+    GString Path;
+    for (const char* Name : {"Data/Models/Sub/a.mdd", "Data/a.mdd", "Data/Models/a b.mdd"}) {
+        Chosen = (Dir / Name).string();
+        const bool Says = !PrintedBy([&] { C_SysOpenModelFile(Path); }).empty();
+        EXPECT_EQ(Says, Path == "Data/Models/Sub/a.mdd" && std::string(Name) != Path.CStr()) << Name;
+    }
+    Choice = EFileChoice::Cancelled;
+    EXPECT_TRUE(!C_SysOpenModelFile(Path) && Path == "Data/Models/Sub/a.mdd");
+    Choice = EFileChoice::Failed;
+    EXPECT_FATAL(C_SysOpenModelFile(Path), "C_SysFileOpen error");
 }
 
 TEST_F(Diagnostics, AssertTellsTheExpressionAndRunsItOnce) {

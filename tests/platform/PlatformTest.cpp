@@ -33,6 +33,31 @@ TEST_F(PlatformFiles, OverlongPathFails) {
     EXPECT_TRUE(PlatChangeDir(Path.substr(0, PLAT_MAX_PATH - 1).c_str()));
 }
 
+// With a dialog, which is a script here, and without one: that takes the files of a folder in turns.
+TEST_F(PlatformFiles, AreChosenByAProgramOrOneAfterTheOther) {
+    const std::string Path = std::getenv("PATH"), Folder = Dir.string() + "/";
+    char Buffer[64] = "";
+    const auto Choose = [&](const char* Dialog) {
+        WriteText("kdialog", Dialog);
+        fs::permissions("kdialog", fs::perms::owner_all);
+        return GPlatform.ChooseFile("Title", "Filter", ".mdd", Folder.c_str(), Buffer, 64);
+    };
+    setenv("PATH", Folder.c_str(), 1);
+    setenv("DISPLAY", ":none", 0);
+    EXPECT_EQ(Choose("#!/bin/sh\nexit 127"), EFileChoice::Cancelled); // nothing to choose from
+    WriteText("a.mdd", "");
+    WriteText("b.mdd", "");
+    for (const char* Name : {"a.mdd", "b.mdd", "a.mdd"}) {
+        EXPECT_EQ(Choose("#!/bin/sh\nexit 127"), EFileChoice::Chosen);
+        EXPECT_EQ(Buffer, Folder + Name);
+    }
+    EXPECT_EQ(Choose("#!/bin/sh\necho /tmp/rock.mdd"), EFileChoice::Chosen);
+    EXPECT_EQ(Choose("#!/bin/sh\necho $2; exit 1"), EFileChoice::Cancelled);
+    EXPECT_EQ(Choose("#!/bin/sh\nexit 5"), EFileChoice::Failed);
+    EXPECT_STREQ(Buffer, "/tmp/rock.mdd");
+    setenv("PATH", Path.c_str(), 1);
+}
+
 TEST(PlatformTest, ExecutablePathIsThisProgram) {
     char Buffer[PLAT_MAX_PATH];
     PlatExecutablePath(Buffer, sizeof(Buffer), "fallback");

@@ -17,11 +17,12 @@
 using CColor = std::array<int, 3>;
 constexpr CColor PLAIN = {230, 230, 230}, PRESSED = {128, 102, 77}, RED = {230, 32, 26}, GREEN = {38, 224, 26};
 
-// Where a text stands: centred in the part, or with its left edge there.
+// Where a text stands: centred in the part, or with its left edge at Left.
 struct STextPlace {
     SPart Part;
     int Size; // height of a line
     bool Centred = true;
+    int Left = 50;
 };
 constexpr STextPlace FIRST_BUTTON = {{341, 324, 341, 72}, 42}, SECOND_BUTTON = {{341, 432, 341, 72}, 42};
 constexpr STextPlace HEADING = {{212, 216, 600, 30}, 30}, TREES = {{40, 50, 300, 23}, 24, false};
@@ -178,7 +179,7 @@ protected:
         for (const char Character : Text) {
             Width += Widths[static_cast<std::size_t>(Character)] * Place.Size;
         }
-        const double Left = Place.Centred ? (Place.Part.Width - Width) / 2 : 50 - Place.Part.X;
+        const double Left = Place.Centred ? (Place.Part.Width - Width) / 2 : Place.Left - Place.Part.X;
         return Columns.size() > Width / 2 && std::abs(Columns.front() - Left) < 6 &&
                std::abs(Columns.back() - Left - Width) < 6;
     }

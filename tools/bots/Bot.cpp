@@ -30,6 +30,7 @@ constexpr float BODY_WIDTH = 9;       // a way closer to a trunk than this hits 
 constexpr float SWORD_WIDTH = 36;     // a trunk closer to the way than this can be cut
 constexpr float CRASH_COST = 60;      // in units of height
 constexpr float TURN_COST = 12;
+constexpr float STRAY_COST = 1.2f; // a unit
 constexpr float NEAREST_TREE = 10; // what is closer is no matter of the way any more
 constexpr float SPIN_LEAD = 0.09f; // seconds ahead for which a turn is stopped
 constexpr float DEAD_ANGLE = 0.06f;
@@ -114,13 +115,13 @@ float CBot::CostOfTrees(const Vec3& Place, const Vec3& Way, UINT32 Wanted) const
     return Cost;
 }
 
-// Height along the way, turned into a price with what stands beside it.
+// Height along the way, turned into a price with how far it leaves the piste and what stands beside it.
 float CBot::CostOf(const SView& View, float Tried, UINT32 Wanted) const {
     const Vec3 Way = HeadingVector(Tried);
     float Height = 0;
     for (const float Part : {0.3f, 0.6f, 1.0f}) {
         const Vec3 Point = View.Place + Way * (Skill.Sight * Part);
-        Height += TerrainHeightAt(Point.x, Point.y) / 3;
+        Height += (TerrainHeightAt(Point.x, Point.y) + STRAY_COST * Piste.Stray(Point)) / 3;
     }
     return Height + Skill.Sight * 0.3f * (1 - std::cos(Tried)) + TURN_COST * std::fabs(Tried - Heading) +
            CostOfTrees(View.Place, Way, Wanted);

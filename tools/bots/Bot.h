@@ -1,5 +1,5 @@
 // A player made of a few rules: it looks ahead for the best way down, steers there and strikes when a tree will be in
-// reach. It sees what a player sees (ground, trees, itself) and acts through the key bindings alone.
+// reach. It sees what a player sees (ground, flags, trees, itself) and acts through the key bindings alone.
 //
 // A skill says how well it does that. The figures are those of people, the same on every level: how long from eye to
 // hand, how far ahead a way is planned, how exactly it is held, how much a tree is worth a detour.
@@ -8,6 +8,7 @@
 #pragma once
 
 #include "bots/Keys.h"
+#include "bots/Piste.h"
 #include "foundation/Vector.h"
 
 #include <deque>
@@ -62,6 +63,7 @@ private:
     const SSkill& Skill;
     std::mt19937 Chance;
     const CRider& Player;
+    const CPiste Piste;
     std::vector<const CTree*> Trees;
     std::vector<const CTree*> Near; // what it looks at now
     std::deque<SBotKeys> OnTheWay;  // from eye to hand, the oldest first

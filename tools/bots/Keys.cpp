@@ -5,7 +5,9 @@
 
 #include <algorithm>
 
-void StepLevel(std::span<const UINT32> Down) {
+namespace {
+
+void Press(std::span<const UINT32> Down) {
     InputBeginStep();
     TickBinds();
     for (const UINT32 Key : {SDLK_LEFT, SDLK_RIGHT, SDLK_UP, SDLK_DOWN, SDLK_SPACE}) {
@@ -15,23 +17,34 @@ void StepLevel(std::span<const UINT32> Down) {
             SetKeyState(Key, IsDown);
         }
     }
+}
+
+} // namespace
+
+void StepLevel(std::span<const UINT32> Down) {
+    Press(Down);
     GLevel->Update(BOT_STEP);
 }
 
 void StepLevel(const SBotKeys& Keys) {
+    PressKeys(Keys);
+    GLevel->Update(BOT_STEP);
+}
+
+void PressKeys(const SBotKeys& Keys) {
     UINT32 Down[5];
     UINT32 Count = 0;
-    const auto Press = [&](bool Wanted, UINT32 Key) {
+    const auto AddIf = [&](bool Wanted, UINT32 Key) {
         if (Wanted) {
             Down[Count++] = Key;
         }
     };
-    Press(Keys.Left, SDLK_LEFT);
-    Press(Keys.Right, SDLK_RIGHT);
-    Press(Keys.Push, SDLK_UP);
-    Press(Keys.Brake, SDLK_DOWN);
-    Press(Keys.Cut, SDLK_SPACE);
-    StepLevel(std::span<const UINT32>(Down, Count));
+    AddIf(Keys.Left, SDLK_LEFT);
+    AddIf(Keys.Right, SDLK_RIGHT);
+    AddIf(Keys.Push, SDLK_UP);
+    AddIf(Keys.Brake, SDLK_DOWN);
+    AddIf(Keys.Cut, SDLK_SPACE);
+    Press(std::span<const UINT32>(Down, Count));
 }
 
 void ReleaseKeys() {

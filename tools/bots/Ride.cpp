@@ -16,27 +16,20 @@ constexpr UINT32 SPARE_TREES = 2;
 // Part of the time limit that a player keeps in hand.
 constexpr float SPARE_TIME = 0.1f;
 
-// What the player reads from the screen: trees and clock, against how far down it is.
-class CPlan {
-public:
-    CPlan(const SLevelRecord& Record, const Vec3& Start)
-        : Enough(Record.Quota + SPARE_TREES), Limit(Record.TimeLimit), Top(Start.y) {}
-
-    UINT32 Wanted() const { return Enough > GTreesCut ? Enough - GTreesCut : 0; }
-
-    bool Hurry(const Vec3& Place, float Time, float Care) const {
-        const float Way = (Top - Place.y) / (Top + END_OF_SLOPE * GLevel->Params.SizeY);
-        const float Due = Way * static_cast<float>(Enough);
-        return static_cast<float>(GTreesCut) >= Due * Care || Time / Limit + SPARE_TIME > Way;
-    }
-
-private:
-    UINT32 Enough;
-    float Limit;
-    float Top;
-};
-
 } // namespace
+
+CPlan::CPlan(const SLevelRecord& Record)
+    : Enough(Record.Quota + SPARE_TREES), Limit(Record.TimeLimit), Top(TheRider().Client.Pos.y) {}
+
+UINT32 CPlan::Wanted() const {
+    return Enough > GTreesCut ? Enough - GTreesCut : 0;
+}
+
+bool CPlan::Hurry(float Time, float Care) const {
+    const float Way = (Top - TheRider().Client.Pos.y) / (Top + END_OF_SLOPE * GLevel->Params.SizeY);
+    const float Due = Way * static_cast<float>(Enough);
+    return static_cast<float>(GTreesCut) >= Due * Care || Time / Limit + SPARE_TIME > Way;
+}
 
 void StartRide(UINT32 Level, UINT32 Seed) {
     ReleaseKeys();
@@ -55,10 +48,10 @@ SRide RideLevel(UINT32 Level, UINT32 Seed, const SSkill& Skill) {
     StartRide(Level, Seed);
     const CRider& Rider = TheRider();
     CBot Bot(Skill, Seed);
-    const CPlan Plan(Record, Rider.Client.Pos);
+    const CPlan Plan(Record);
     SRide Ride;
     while (!Ride.Finished && Ride.Time < Record.TimeLimit) {
-        StepLevel(Bot.Think(Plan.Wanted(), Plan.Hurry(Rider.Client.Pos, Ride.Time, Skill.Care)));
+        StepLevel(Bot.Think(Plan.Wanted(), Plan.Hurry(Ride.Time, Skill.Care)));
         Ride.Time += BOT_STEP;
         Ride.End = Rider.Client.Pos;
         Ride.Finished = IsAtTheEnd(Ride.End);

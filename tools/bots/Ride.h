@@ -4,6 +4,7 @@
 
 #include "bots/Bot.h"
 #include "foundation/Vector.h"
+#include "game/GameState.h"
 
 struct SRide {
     float Time = 0; // seconds, at most the level's limit
@@ -11,6 +12,20 @@ struct SRide {
     bool Finished = false; // at the end of the slope
     bool Won = false;
     Vec3 End;
+};
+
+// What a player reads from the screen, trees and clock, against how far down it is. Made where the ride begins.
+class CPlan {
+public:
+    explicit CPlan(const SLevelRecord& Record);
+
+    UINT32 Wanted() const;                    // trees still to be cut
+    bool Hurry(float Time, float Care) const; // enough trees for now, or little time; seconds of the ride
+
+private:
+    UINT32 Enough;
+    float Limit; // seconds
+    float Top;   // where the ride begins, in Y
 };
 
 // Replaces the level by the one of that index in GLevels, with the wood of that seed.
