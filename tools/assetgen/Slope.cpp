@@ -27,7 +27,7 @@ struct SCoursePoint {
     float y, x, HalfWidth;
 };
 
-// A rock that parts the ride, pointed uphill and downhill.
+// A rock that parts the ride, pointed uphill and downhill; it bends with the ride.
 struct SIsland {
     float y, Beside; // its middle; Beside the middle of the ride
     float HalfLength, HalfWidth, Height;
@@ -215,18 +215,24 @@ constexpr SSlopeParams SLOPES[] = {
      .Seed = 71,
      .HalfX = 1600,
      .HalfY = 3600,
-     .Height = 900,
-     .Course = {{3600, -300, 200}, {300, -300, 150}, {-900, -120, 150}, {-2200, -420, 170}, {-3600, -300, 200}},
+     .Height = 560,
+     .LowestLevel = 20,
+     .Course = {{3600, -300, 150},
+                {300, -300, 120},
+                {-150, -260, 110},
+                {-480, -390, 110},
+                {-950, -160, 110},
+                {-2200, -320, 130},
+                {-3600, -300, 150}},
      .Opening = "1111",
-     .Pieces = {"1111", "10120", "1021"},
-     .Sides = {.BankWidth = 180,
-               .BankSlope = 0.62f,
-               .Crest = 280,
-               .CrestChange = 0.5f,
-               .FarSlope = -0.2f,
-               .Rough = 60,
-               .Cliffs = 0.8f},
-     .Knobs = 6},
+     .Pieces = {"11111111", "0112211000", "001122110"},
+     .Sides = {.BankWidth = 170,
+               .BankSlope = 0.8f,
+               .Crest = 120,
+               .CrestChange = 0.3f,
+               .FarSlope = -0.08f,
+               .Rough = 70,
+               .Cliffs = 1}},
 };
 
 constexpr float EDGE_SLOPE = 0.06f;    // of the banks where they begin
@@ -458,7 +464,7 @@ float CSlope::IslandAt(const SPlace& Place) const {
     float Highest = 0;
     for (const SIsland& Island : Params.Islands) {
         if (Island.Height > 0) {
-            const float Across = (Place.x - CourseAt(Island.y).x - Island.Beside) / Island.HalfWidth;
+            const float Across = (Place.x - Place.Middle - Island.Beside) / Island.HalfWidth;
             const float Along = (Place.y - Island.y) / Island.HalfLength;
             const float Far = (std::fabs(Across) + std::fabs(Along)) * CraggyAt(Place);
             Highest = std::max(Highest, Island.Height * (1 - SmoothStep(0.3f, 1.1f, Far)));
