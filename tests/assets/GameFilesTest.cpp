@@ -71,16 +71,6 @@ TEST_F(AssetGen, MakesTheBytesThatTheBuildMadeAndRefusesWhatItDoesNotKnow) {
     }
 }
 
-TEST_F(GameFiles, LevelsAndTerrainFilesNameFilesThatExist) {
-    for (std::size_t i = 0; i < Levels.size(); ++i) {
-        const STerrainFile& Terrain = Terrains[i];
-        for (const GString& Path : {Levels[i].SkyFile, Terrain.Picture, Terrain.Details[0], Terrain.Details[1],
-                                    Terrain.Details[2], Terrain.Details[3]}) {
-            EXPECT_TRUE(fs::is_regular_file(GamePath(Path.CStr()))) << Path.CStr();
-        }
-    }
-}
-
 // The step from the last row or column to the first is none larger than the steps inside.
 TEST_F(GameFiles, GroundsRepeatWithoutASeam) {
     for (const STerrainFile& Terrain : Terrains) {

@@ -1,5 +1,5 @@
 // The shipped levels: they load in silence, whole rides, faster than real time and without a picture, can be won and
-// repeat themselves, and a rider without a plan comes to no harm.
+// repeat themselves, a rider without a plan comes to no harm, and a moment of a ride is kept as a picture.
 #include "bots/Ride.h"
 #include "bots/Wander.h"
 #include "game/GameFixture.h"
@@ -50,6 +50,17 @@ TEST_F(Rides, WithoutAPlanOneStaysOnTheSlopeAndIsNotHeld) {
                           << Fault.Place.x << ' ' << Fault.Place.y << ' ' << Fault.Place.z;
         }
     }
+}
+
+// The rider among its pines, in the middle of a stroke over a turn.
+TEST_F(Rides, AStrokeInTheWoodLooksAsItWasKept) {
+    StartRide(0, 1);
+    for (int i = 0; i < 90; ++i) {
+        StepLevel(SBotKeys{.Left = i > 66, .Push = true, .Cut = i > 80});
+    }
+    const Vec3 Place = TheRider().Client.Pos;
+    LookFrom(Place + Vec3{6, 16, 16}, Place + Vec3{0, 0, 7});
+    EXPECT_TRUE(MatchesGolden(Drawn(), "wood", 1.0));
 }
 
 } // namespace
