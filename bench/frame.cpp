@@ -2,9 +2,9 @@
 // first level's picture. The counter is pictures a second. Needs a display with OpenGL and the data beside the program.
 #include "LevelStage.h"
 
+#include "bench/GlCalls.h"
 #include "game/GameState.h"
 #include "game/Wood.h"
-#include "support/GlCalls.h"
 #include "terrain/Terrain.h"
 
 #include <benchmark/benchmark.h>
@@ -43,11 +43,12 @@ void CountCalls(benchmark::State& State) {
     INT32 Shadow = 0;
     INT32 Camera = 0;
     for (const SGlStep& Step : Recorded.Steps) {
-        if (Step.IndexBuffer != 0) {
-            (static_cast<UINT32>(Step.Target) == GLevel->ShadowRT.FBO ? Shadow : Camera) += Step.Vertices / 3;
+        if (Step.State.at(GL_ELEMENT_ARRAY_BUFFER_BINDING) != 0) {
+            const UINT32 Target = static_cast<UINT32>(Step.State.at(GL_FRAMEBUFFER_BINDING));
+            (Target == GLevel->ShadowRT.FBO ? Shadow : Camera) += Step.Vertices / 3;
         }
     }
-    State.counters["gl_calls"] = Recorded.Total();
+    State.counters["gl_calls"] = Recorded.Calls;
     State.counters["repeats"] = static_cast<double>(Recorded.Repeats.size());
     State.counters["shadow_triangles"] = Shadow;
     State.counters["triangles"] = Camera;

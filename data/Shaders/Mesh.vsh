@@ -7,16 +7,27 @@ uniform mat4 WorldMatrix;
 #endif
 uniform mat4 SMMatrix;
 uniform vec3 CameraPos;
+uniform vec2 FogData;  // distance at which the fog closes, exponent
+uniform vec4 LightDir; // sun: w is the amount of cloud
 
 varying vec3 WorldPos;
 varying vec3 ShadowPos; // sun: in the shadow map, 0 to 1; spot: its x, y and w in the map's clip space
 varying vec3 Normal;
 varying vec2 TexCoord;
-varying float Shown; // 1 near, 0 where meshes end
+varying float Shown;    // 1 near, 0 where meshes end
+varying float SunShare; // of the sun's light, what the clouds let through
+varying float Far;      // part of the light that is fog's
 #ifdef L_SPOT
 uniform sampler2D ProjMap;
 varying float Unveiled; // 1 if the light throws no picture, else 0
 #endif
+
+// Clouds dim the sun evenly, and in patches some hundreds of units wide, the same as on the ground.
+float CloudShare(vec2 Place, float Amount)
+{
+	float Patch = sin(Place.x * 0.0061 + 2.1 * sin(Place.y * 0.0023)) * sin(Place.y * 0.0047 + 1.9 * sin(Place.x * 0.0031));
+	return 1.0 - Amount * (0.5 + 0.9 * smoothstep(-0.1, 0.7, Patch));
+}
 
 void main()
 {
@@ -30,15 +41,19 @@ void main()
 #else
 	mat4 Bone = WorldMatrix;
 	// A thing dissolves as a whole, before it is left out of the picture at 500.
-	Shown = 1.0 - smoothstep(400.0, 490.0, distance(Bone[3].xyz, CameraPos));
+	Shown = 1.0 - smoothstep(380.0, 490.0, distance(Bone[3].xyz, CameraPos));
 #endif
 	vec4 World = Bone * gl_Vertex;
+	Far = pow(min(distance(World.xyz, CameraPos) / FogData.x, 1.0), FogData.y);
 	vec4 Shadow = SMMatrix * World;
+	Shadow.x = -Shadow.x; // the map is drawn mirrored
 	WorldPos = World.xyz;
 #ifdef L_AMBDIR
 	ShadowPos = Shadow.xyz * 0.5 + 0.5;
+	SunShare = CloudShare(World.xy, LightDir.w);
 #else
 	ShadowPos = Shadow.xyw;
+	SunShare = 0.0;
 	// The mean of the picture; where there is no picture it is black.
 	Unveiled = 1.0 - step(0.001, dot(texture2DLod(ProjMap, vec2(0.5), 16.0).xyz, vec3(1.0)));
 #endif

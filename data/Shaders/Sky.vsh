@@ -1,10 +1,10 @@
 // The sphere round the eye; the view matrix that it gets holds no translation.
 varying vec2 TexCoord;
-varying vec3 Direction;
+varying float Up; // sine of the elevation
 
 void main()
 {
 	TexCoord = gl_MultiTexCoord0.xy;
-	Direction = gl_Vertex.xyz;
+	Up = normalize(gl_Vertex.xyz).z;
 	gl_Position = ProjectionMatrix * (ViewMatrix * gl_Vertex);
 }

@@ -7,6 +7,7 @@
 #include "physics/Physics.h"
 #include "scene/DrawHelpers.h"
 #include "scene/GLFont.h"
+#include "scene/LightClient.h"
 #include "world/GameLevel.h"
 
 #include <GL/glew.h>
@@ -108,7 +109,8 @@ static void DrawTexture(UINT32 Texture, float Left, float Right, float Top, floa
     DrawQuad(Left, Right, Top, Bottom, 0);
 }
 
-// The scene's own tools first, then the rows as the last step drew them, then the sun's shadow map as a preview.
+// The scene's own tools first, then the rows as the last step drew them, then the shadow maps of the sun and
+// of the first spot light as previews.
 void CLevel::DrawEditorOverlay() {
     glEnable(GL_BLEND);
     glDisable(GL_DEPTH_TEST);
@@ -121,6 +123,9 @@ void CLevel::DrawEditorOverlay() {
     glActiveTexture(GL_TEXTURE0);
     DrawTexture(OverlayRT.ColorTex, -1, 1, 1, -1);
     DrawTexture(ShadowRT.DepthTex, 0.25f, 0.5f, 1, 0.75f);
+    if (Lights.count > 0) {
+        DrawTexture(Lights[0]->ShadowTarget.DepthTex, 0.5f, 0.75f, 1, 0.75f);
+    }
     glDepthMask(GL_TRUE);
     UseGuiProgram();
     DrawMenu();

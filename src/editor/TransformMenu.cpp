@@ -209,9 +209,10 @@ void SMenu_Transform::ScaleRows() {
     }
 }
 
+// Adding zero takes the sign off a zero, which a row would show.
 void SMenu_Transform::ReadEuler() {
     M_QuatToEuler(Rotation, Euler);
-    Euler *= DEGREES_PER_RADIAN;
+    Euler = Euler * DEGREES_PER_RADIAN + Vec3();
 }
 
 SDragInput SMenu_Transform::ReadInput() const {

@@ -92,7 +92,7 @@ void M_CameraLookAt(Mat4& Out) {
 }
 
 void M_CameraPerspective(Mat4& Out) {
-    M_Mat4Perspective(Out, GCamera.Fov / 180 * PI, GCamera.Aspect, GCamera.Near, GCamera.Far);
+    M_Mat4Perspective(Out, GCamera.Fov * DEGREES, GCamera.Aspect, GCamera.Near, GCamera.Far);
 }
 
 void M_CameraOrtho(Mat4& Out) {

@@ -15,9 +15,8 @@ float ReachAlong(float Share, float HalfAngle) {
 } // namespace
 
 void SLightClient::GetBounds(::BBox* Out) const {
-    constexpr float HALF_DEGREES = 3.1415927f / 360; // of a full angle, in radians
     const Vec3 Unit = M_Normalized(Dir);
-    const float HalfAngle = Angle * HALF_DEGREES;
+    const float HalfAngle = Angle * DEGREES / 2;
     const auto Reach = [&](float Share) { return Range * ReachAlong(Share, HalfAngle); };
     Out->Min = Pos - Vec3{Reach(-Unit.x), Reach(-Unit.y), Reach(-Unit.z)};
     Out->Max = Pos + Vec3{Reach(Unit.x), Reach(Unit.y), Reach(Unit.z)};

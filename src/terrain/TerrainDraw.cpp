@@ -4,6 +4,8 @@
 #include "scene/DrawHelpers.h"
 #include "terrain/Terrain.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr GLuint MAP_UNITS = 5; // NormalMap and the four detail textures, from unit 0 on
@@ -100,6 +102,17 @@ void DrawLeaf(const STerrain& Terrain, UINT32 Leaf) {
                    BufferPlace(std::size_t{Terrain.IndexOffset[List]} * sizeof(UINT32)));
 }
 
+// Of the Count leaves along an axis, the one nearest to a place.
+UINT32 LeafNumber(float Place, float HalfSize, UINT32 Count) {
+    const float Part = std::clamp(Place / (2 * HalfSize) + 0.5f, 0.0f, 1.0f);
+    return std::min(static_cast<UINT32>(Part * static_cast<float>(Count)), Count - 1);
+}
+
+// Step i of a walk over all leaves along an axis: from First down to 0, then from the one above First up.
+UINT32 Outwards(UINT32 First, UINT32 i) {
+    return i <= First ? First - i : i;
+}
+
 } // namespace
 
 void STerrain::Bind(bool NoProgram, bool BindDetail) {
@@ -120,10 +133,16 @@ void STerrain::Bind(bool NoProgram, bool BindDetail) {
     glEnableClientState(GL_TEXTURE_COORD_ARRAY);
 }
 
+// Near leaves come first, so that what they hide is not shaded.
 void STerrain::DrawLeaves() const {
-    for (UINT32 i = 0; i < LeafColumns() * LeafRows(); i++) {
-        if (Leaves[i].IsVisible()) {
-            DrawLeaf(*this, i);
+    const UINT32 Column = LeafNumber(GCamera.Eye.x - Position.x, Extents.x, LeafColumns());
+    const UINT32 Row = LeafNumber(GCamera.Eye.y - Position.y, Extents.y, LeafRows());
+    for (UINT32 i = 0; i < LeafRows(); i++) {
+        for (UINT32 j = 0; j < LeafColumns(); j++) {
+            const UINT32 Leaf = Outwards(Row, i) * LeafColumns() + Outwards(Column, j);
+            if (Leaves[Leaf].IsVisible()) {
+                DrawLeaf(*this, Leaf);
+            }
         }
     }
 }

@@ -1,5 +1,5 @@
 // The game's own files as the build made them: generated alike each time, complete, grounds that repeat without a
-// seam, slopes that ride without stairs, skies that fit their level's sun and fog.
+// seam, rides without stairs, skies that fit their level's sun and fog.
 #include "support/Common.h"
 #include "terrain/TerrainFile.h"
 #include "world/LevelFile.h"
@@ -71,16 +71,6 @@ TEST_F(AssetGen, MakesTheBytesThatTheBuildMadeAndRefusesWhatItDoesNotKnow) {
     }
 }
 
-TEST_F(GameFiles, LevelsAndTerrainFilesNameFilesThatExist) {
-    for (std::size_t i = 0; i < Levels.size(); ++i) {
-        const STerrainFile& Terrain = Terrains[i];
-        for (const GString& Path : {Levels[i].SkyFile, Terrain.Picture, Terrain.Details[0], Terrain.Details[1],
-                                    Terrain.Details[2], Terrain.Details[3]}) {
-            EXPECT_TRUE(fs::is_regular_file(GamePath(Path.CStr()))) << Path.CStr();
-        }
-    }
-}
-
 // The step from the last row or column to the first is none larger than the steps inside.
 TEST_F(GameFiles, GroundsRepeatWithoutASeam) {
     for (const STerrainFile& Terrain : Terrains) {
@@ -99,39 +89,56 @@ TEST_F(GameFiles, GroundsRepeatWithoutASeam) {
     }
 }
 
-// The stretch of equal heights around a column.
+// A stretch of equal heights in a row.
 struct SRun {
-    SRun(const SGamePicture& Picture, int Column, int Row)
-        : Level(Picture.At(Column, Row, 0)), First(Column), End(Column) {
-        for (; First > 0 && Picture.At(First - 1, Row, 0) == Level; --First) {
-        }
-        for (; End < Picture.Width && Picture.At(End, Row, 0) == Level; ++End) {
-        }
-    }
     int Level, First, End;
+    int Shared(const SRun& Other) const { return std::min(End, Other.End) - std::max(First, Other.First); }
 };
 
-TEST_F(GameFiles, TheRideIsLevelAcrossAndClimbsByWholeLevels) {
-    constexpr int LEAST_WIDTH = 15; // samples
-    for (const STerrainFile& Terrain : Terrains) {
-        const SGamePicture Picture(Terrain.Picture);
+std::vector<SRun> RunsOf(const SGamePicture& Picture, int Row) {
+    std::vector<SRun> Runs;
+    for (int x = 0; x < Picture.Width; ++x) {
+        const int Level = Picture.At(x, Row, 0);
+        if (Runs.empty() || Runs.back().Level != Level) {
+            Runs.push_back({Level, x, x});
+        }
+        Runs.back().End = x + 1;
+    }
+    return Runs;
+}
+
+// Levels of the ride from the lowest row up to the start. It is what is level in the middle of the lowest rows, and
+// then in each row what shares most with the row below; an island may take its middle.
+std::vector<int> RideLevels(const SGamePicture& Picture, float SampleWidth) {
+    constexpr float LEAST_WIDTH = 60; // world units
+    std::vector<int> Levels;
+    SRun Below{0, Picture.Width / 4, Picture.Width * 3 / 4};
+    for (int Row = Picture.Height / 32; Row < Picture.Height * 95 / 100; ++Row) {
+        const std::vector<SRun> Runs = RunsOf(Picture, Row);
+        Below = *std::max_element(Runs.begin(), Runs.end(),
+                                  [&](auto& a, auto& b) { return a.Shared(Below) < b.Shared(Below); });
+        EXPECT_GE(static_cast<float>(Below.End - Below.First) * SampleWidth, LEAST_WIDTH) << "row " << Row;
+        Levels.push_back(Below.Level);
+    }
+    return Levels;
+}
+
+TEST_F(GameFiles, RidesAreLevelAcrossWithoutLoneStepsAndLeadDown) {
+    for (std::size_t i = 0; i < Levels.size(); ++i) {
+        const SLevelParams& Level = Levels[i];
+        SCOPED_TRACE(Level.TerrainFile.CStr());
+        const SGamePicture Picture(Terrains[i].Picture);
         ASSERT_EQ(Picture.Width, Picture.Height);
-        // The run ends at -0.8 of the half size and starts near 0.9. The ride is the widest stretch of its first row.
-        const int First = Picture.Height / 10, Last = Picture.Height * 95 / 100;
-        SRun Below(Picture, Picture.Width / 4, First);
-        for (int x = Picture.Width / 4; x < Picture.Width * 3 / 4; ++x) {
-            const SRun Run(Picture, x, First);
-            Below = Run.End - Run.First > Below.End - Below.First ? Run : Below;
+        EXPECT_LE(Level.SizeZ / 255, 2.5f); // a rounded level is hardly felt
+        const std::vector<int> Ride = RideLevels(Picture, 2 * Level.SizeX / static_cast<float>(Picture.Width));
+        // From the end of the slope upwards; beyond it the ground rises.
+        for (std::size_t Row = 26 - Picture.Height / 32; Row + 2 < Ride.size(); ++Row) {
+            const int Steps[] = {Ride[Row] - Ride[Row - 1], Ride[Row + 1] - Ride[Row], Ride[Row + 2] - Ride[Row + 1]};
+            EXPECT_LE(Steps[1], std::max(Steps[0], Steps[2]) + 1) << "row " << Row;
+            EXPECT_GE(Steps[1], std::min(Steps[0], Steps[2]) - 1) << "row " << Row;
         }
-        const int Lowest = Below.Level;
-        for (int Row = First + 1; Row <= Last; ++Row) {
-            const SRun Run(Picture, (Below.First + Below.End) / 2, Row);
-            EXPECT_GE(Run.End - Run.First, LEAST_WIDTH) << "row " << Row;
-            EXPECT_GE(Run.Level, Below.Level) << "row " << Row;
-            EXPECT_LE(Run.Level, Below.Level + 2) << "row " << Row;
-            Below = Run;
-        }
-        EXPECT_GT(Below.Level - Lowest, (Last - First) / 2);
+        const float Fall = static_cast<float>(Ride.back() - Ride[18]) / 255 * Level.SizeZ / (1.7f * Level.SizeY);
+        EXPECT_GT(Fall + std::tan(static_cast<float>(M_PI) - Level.Gravity_Pitch), 0.03f);
     }
 }
 

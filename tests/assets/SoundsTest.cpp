@@ -11,9 +11,9 @@ namespace {
 constexpr int RATE = 44100;
 
 struct SSound {
-    explicit SSound(const std::string& Name) {
+    explicit SSound(const std::string& Name, float Loudest = 0.85f) : Loudest(Loudest) {
         Name.ends_with(".wav") ? ReadWave(SLOPERUSH_GAME_DIR "/Data/Sounds/" + Name) : ReadVorbis(Name);
-        EXPECT_NEAR(Peak(0, Frames()), 0.85f, 0.1f) << Name;
+        EXPECT_NEAR(Peak(0, Frames()), Loudest, 0.12f * Loudest) << Name;
     }
     void ReadWave(const std::string& Path) {
         std::ifstream File(Path, std::ios::binary);
@@ -45,6 +45,7 @@ struct SSound {
         const auto Quieter = [](float a, float b) { return std::fabs(a) < std::fabs(b); };
         return std::fabs(*std::max_element(Samples.begin() + First, Samples.begin() + End, Quieter));
     }
+    float Loudest;              // what its peak should be; the music leaves room for the effects
     std::vector<float> Samples; // of the left side
 };
 
@@ -58,7 +59,7 @@ TEST(Sounds, EffectsBeginAtOnceAndEndInSilence) {
 
 // A stream is fetched in pieces of 16384 frames: a short last one would run dry before the next is there.
 TEST(Sounds, LoopsGoRoundWithoutAClickOrAHole) {
-    const SSound Slide("snow-slide-1.wav"), Music("rush.ogg");
+    const SSound Slide("snow-slide-1.wav"), Music("rush.ogg", 0.42f);
     EXPECT_TRUE(Slide.Frames() >= 2 * RATE && Music.Frames() >= 120 * RATE && Music.Frames() % 16384 == 0);
     for (const SSound* Sound : {&Slide, &Music}) {
         float Largest = 0;
@@ -67,7 +68,7 @@ TEST(Sounds, LoopsGoRoundWithoutAClickOrAHole) {
         }
         EXPECT_LE(std::fmax(Sound->Bend(0), Sound->Bend(1)), Largest);
         for (int First = 0; First + RATE / 20 <= Sound->Frames(); First += RATE / 20) {
-            EXPECT_GT(Sound->Peak(First, First + RATE / 20), 0.05f) << "a hole at frame " << First;
+            EXPECT_GT(Sound->Peak(First, First + RATE / 20), 0.06f * Sound->Loudest) << "a hole at frame " << First;
         }
     }
 }

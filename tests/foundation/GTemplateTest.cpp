@@ -306,18 +306,6 @@ GMap<int, int> RisingKeys(int Count) {
     return Map;
 }
 
-// Keys in order, each with its children in brackets behind it; a star is red.
-std::string ShapeOf(const decltype(GMap<int, int>::root) Top) {
-    return Top ? std::to_string(Top->key) + (Top->colour ? "*(" : "(") + ShapeOf(Top->child[0]) + "," +
-                     ShapeOf(Top->child[1]) + ")"
-               : "";
-}
-
-// Top-down insertion by the book: rising keys, for which the shape can be followed by hand.
-TEST_F(GMapTest, RisingKeysGiveTheKnownShape) {
-    EXPECT_EQ(ShapeOf(RisingKeys(6).root), "2(1(,),4*(3(,),5(,6*(,))))");
-}
-
 TEST(GTemplateDeathTest, WrongCallsAndBrokenTreesFailTheirAssertion) {
     GString Text("abc");
     EXPECT_DEATH(Text[3], "Assertion failed: at < count, file GTemplate");

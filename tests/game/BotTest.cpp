@@ -1,56 +1,15 @@
-// The shipped levels: they load in silence, and whole rides, faster than real time and without a picture, can be won
-// and repeat themselves.
-#include "game/Bot.h"
+// The shipped levels: they load in silence, whole rides, faster than real time and without a picture, can be won and
+// repeat themselves, a rider without a plan comes to no harm, and a moment of a ride is kept as a picture.
+#include "bots/Ride.h"
+#include "bots/Wander.h"
 #include "game/GameFixture.h"
-#include "platform/Platform.h"
 #include "terrain/Terrain.h"
-
-#include <vector>
 
 namespace {
 
-struct SRide {
-    float Time = 0; // seconds to the end of the slope
-    UINT32 Trees = 0;
-    bool Finished = false;
-    Vec3 End;
-};
+class Rides : public GameFixture {};
 
-class Ride : public GameFixture {
-protected:
-    // Rides until the end of the slope or of the time.
-    static SRide Go(UINT32 Index, UINT32 Seed) {
-        const SLevelRecord& Record = GLevels[Index];
-        ReleaseKeys();
-        GTreesCut = 0;
-        LoadLevel(Record.File);
-        SowTrees(Record.Trees, Seed);
-        CBot Bot;
-        SRide Result;
-        while (!Result.Finished && Result.Time < Record.TimeLimit) {
-            const UINT32 Wanted = Record.Quota + 2 > GTreesCut ? Record.Quota + 2 - GTreesCut : 0;
-            Press(Bot.Think(Wanted));
-            Result.Time += STEP;
-            Result.End = Bot.Rider().Client.Pos;
-            Result.Finished = Result.End.y < -0.8f * GLevel->Params.SizeY;
-        }
-        Result.Trees = GTreesCut;
-        return Result;
-    }
-
-    static void Press(const SBotKeys& Keys) {
-        const std::pair<bool, UINT32> All[] = {{Keys.Left, SDLK_LEFT},
-                                               {Keys.Right, SDLK_RIGHT},
-                                               {Keys.Push, SDLK_UP},
-                                               {Keys.Brake, SDLK_DOWN},
-                                               {Keys.Cut, SDLK_SPACE}};
-        StepWith([&](UINT32 Key) {
-            return std::any_of(std::begin(All), std::end(All), [&](auto& p) { return p.second == Key && p.first; });
-        });
-    }
-};
-
-TEST_F(Ride, ShippedLevelsLoadAndRunInSilence) {
+TEST_F(Rides, ShippedLevelsLoadAndRunInSilence) {
     for (const auto& Entry : fs::directory_iterator("Data/Levels")) {
         SCOPED_TRACE(Entry.path());
         EXPECT_EQ(PrintedBy([&] {
@@ -64,22 +23,44 @@ TEST_F(Ride, ShippedLevelsLoadAndRunInSilence) {
     }
 }
 
-TEST_F(Ride, TheBotWinsEveryLevel) {
+TEST_F(Rides, AnExpertWinsEveryLevelAndWhoNeverSteersFailsTheLast) {
     for (UINT32 Level = 0; Level < LEVEL_COUNT; ++Level) {
-        const SRide Result = Go(Level, 1);
-        std::printf("level %u: %.1f s, %u trees, ends at %.0f %.0f %.0f\n", Level + 1, Result.Time, Result.Trees,
-                    Result.End.x, Result.End.y, Result.End.z);
-        EXPECT_TRUE(Result.Finished) << Level + 1;
-        EXPECT_GE(Result.Trees, GLevels[Level].Quota) << Level + 1;
+        const SRide Ride = RideLevel(Level, 1, Skills[EXPERT]);
+        EXPECT_TRUE(Ride.Won) << Level + 1 << ": " << Ride.Time << " s, " << Ride.Trees << " trees, ends at y "
+                              << Ride.End.y;
     }
+    EXPECT_FALSE(RideLevel(LEVEL_COUNT - 1, 2, Skills[BEGINNER]).Won);
 }
 
-TEST_F(Ride, SameSeedAndKeysGiveTheSameRide) {
-    const SRide First = Go(0, 5);
-    const SRide Second = Go(0, 5);
+TEST_F(Rides, SameSeedAndKeysGiveTheSameRide) {
+    const SRide First = RideLevel(0, 5, Skills[AVERAGE]);
+    const SRide Second = RideLevel(0, 5, Skills[AVERAGE]);
     EXPECT_EQ(First.Time, Second.Time);
     EXPECT_EQ(First.Trees, Second.Trees);
     EXPECT_EQ(First.End, Second.End);
+}
+
+TEST_F(Rides, WithoutAPlanOneStaysOnTheSlopeAndIsNotHeld) {
+    for (UINT32 Level = 0; Level < LEVEL_COUNT; ++Level) {
+        SWander Result;
+        EXPECT_EQ(PrintedBy([&] { Result = Wander(Level, 60, EStart::OnTheWay); }), "");
+        EXPECT_NEAR(Result.Time, 60, 0.1);
+        for (const SFault& Fault : Result.Faults) {
+            ADD_FAILURE() << "level " << Level + 1 << ", run " << Fault.Seed << ": " << Fault.What << " at "
+                          << Fault.Place.x << ' ' << Fault.Place.y << ' ' << Fault.Place.z;
+        }
+    }
+}
+
+// The rider among its pines, in the middle of a stroke over a turn.
+TEST_F(Rides, AStrokeInTheWoodLooksAsItWasKept) {
+    StartRide(0, 1);
+    for (int i = 0; i < 90; ++i) {
+        StepLevel(SBotKeys{.Left = i > 66, .Push = true, .Cut = i > 80});
+    }
+    const Vec3 Place = TheRider().Client.Pos;
+    LookFrom(Place + Vec3{6, 16, 16}, Place + Vec3{0, 0, 7});
+    EXPECT_TRUE(MatchesGolden(Drawn(), "wood", 1.0));
 }
 
 } // namespace

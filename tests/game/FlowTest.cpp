@@ -24,7 +24,6 @@ constexpr bool IsSanitized() {
 constexpr Vec2 FIRST_BUTTON = {512, 360};
 constexpr Vec2 SECOND_BUTTON = {512, 468};
 constexpr Vec2 NO_BUTTON = {900, 360};
-constexpr Vec4 PLAIN = {0.9f, 0.9f, 0.9f, 1};
 
 struct SText {
     std::string Text;
@@ -127,7 +126,7 @@ protected:
     static SText Heading(const std::string& Text, const Vec4& Color) {
         return {Text, Color, FONT_CENTERX, 341, 216, 682, 288, 30};
     }
-    static SText Button(const std::string& Text, float Top, const Vec4& Color = PLAIN) {
+    static SText Button(const std::string& Text, float Top, const Vec4& Color = {0.9f, 0.9f, 0.9f, 1}) {
         return {Text, Color, FONT_CENTERX | FONT_CENTERY, 341, Top, 682, Top + 72, 42};
     }
 };
@@ -175,18 +174,16 @@ TEST_F(Flow, TheHudShowsCountAndClock) {
                                   {Time, Black, 0, 51, 75, 500, 500, 24},
                                   {Time, TimeColor, 0, 50, 74, 500, 500, 24}};
     };
-    const Vec4 Red = {0.9f, 0.15f, 0.1f, 1};
-    GTreesCut = 19;
-    GTimeLeft = 10 + 1.5f * STEP;
-    Steps(1);
-    std::vector<UINT8> Shown = Overlay();
-    EXPECT_TRUE(Shown == Drawn(Hud("Trees cut: 19/20", Red, "Time left: 10", {0.9f, 0.85f, 0.8f, 1})));
-    GTreesCut = 20;
-    GTimeLeft = 8.6f;
-    Steps(1);
-    Shown = Overlay();
-    EXPECT_TRUE(Shown == Drawn(Hud("Trees cut: 20/20", {0.2f, 0.85f, 0.1f, 1}, "Time left: 9", Red)));
-    EXPECT_FALSE(Shown == Drawn(Hud("Trees cut: 21/20", {0.2f, 0.85f, 0.1f, 1}, "Time left: 9", Red)));
+    const Vec4 Red = {0.9f, 0.15f, 0.1f, 1}, Green = {0.2f, 0.85f, 0.1f, 1}, Pale = {0.9f, 0.85f, 0.8f, 1};
+    for (const auto& [Trees, Time] : {std::pair{19u, 10 + 1.5f * STEP}, {20u, 8.6f}}) {
+        GTreesCut = Trees;
+        GTimeLeft = Time;
+        Steps(1);
+        const std::vector<UINT8> Shown = Overlay();
+        const bool Less = Trees < 20;
+        EXPECT_TRUE(Shown == Drawn(Hud(Less ? "Trees cut: 19/20" : "Trees cut: 20/20", Less ? Red : Green,
+                                       Less ? "Time left: 10" : "Time left: 9", Less ? Pale : Red)));
+    }
 }
 
 TEST_F(Flow, APauseHoldsTheLevelButNotTheClock) {
@@ -269,13 +266,12 @@ TEST_F(Flow, TheEndTellsWhatHappenedAndGoesOnFromThere) {
         EXPECT_EQ(GTreesCut, 0u);
     }
     EndWith(2, 5, 99);
-    Mouse(false, FIRST_BUTTON);
-    std::vector<UINT8> Shown = Overlay();
-    const SText Rest[] = {Heading("You completed the level!", Green), Button("Back to menu", 432)};
-    EXPECT_TRUE(Shown == Drawn({Rest[0], Button("Continue", 324, {0.8f, 0.9f, 1.0f, 1}), Rest[1]})) << "hovered";
-    Mouse(true, FIRST_BUTTON);
-    Shown = Overlay();
-    EXPECT_TRUE(Shown == Drawn({Rest[0], Button("Continue", 324, {0.5f, 0.4f, 0.3f, 1}), Rest[1]})) << "pressed";
+    for (const auto& [Down, Color] : {std::pair{false, Vec4{0.8f, 0.9f, 1.0f, 1}}, {true, {0.5f, 0.4f, 0.3f, 1}}}) {
+        Mouse(Down, FIRST_BUTTON);
+        const std::vector<UINT8> Shown = Overlay();
+        EXPECT_TRUE(Shown == Drawn({Heading("You completed the level!", Green), Button("Continue", 324, Color),
+                                    Button("Back to menu", 432)}));
+    }
     Mouse(false, NO_BUTTON);
     Click(SECOND_BUTTON);
     EXPECT_EQ(GGameState, GAME_MENU);

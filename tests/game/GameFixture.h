@@ -1,6 +1,7 @@
 // Levels with a rider, driven by keys as the input pump would set them.
 #pragma once
 
+#include "bots/Keys.h"
 #include "game/GameState.h"
 #include "game/Rider.h"
 #include "game/Tree.h"
@@ -19,14 +20,6 @@ protected:
         LevelFixture::Finish();
     }
 
-    // Also forgets that a key was down a step before.
-    static void ReleaseKeys() {
-        InputReset();
-        for (SKeyBind& Bind : GGameBinds) {
-            Bind.State = Bind.Down = Bind.WasDown = 0;
-        }
-    }
-
     // A rider high above the ground, weightless unless Scene says otherwise.
     static CRider& FlyingRider(const std::string& More = "", const std::string& Scene = "gravr=0") {
         ReleaseKeys();
@@ -35,23 +28,7 @@ protected:
     }
 
     // One step of the input and the level with exactly these keys down.
-    static void Step(std::initializer_list<UINT32> Keys = {}) {
-        StepWith([&](UINT32 Key) { return std::find(Keys.begin(), Keys.end(), Key) != Keys.end(); });
-    }
-
-    template <class IsDown>
-    static void StepWith(IsDown&& KeyIsDown) {
-        InputBeginStep();
-        TickBinds();
-        for (const UINT32 Key : {SDLK_LEFT, SDLK_RIGHT, SDLK_UP, SDLK_DOWN, SDLK_SPACE}) {
-            const bool Down = KeyIsDown(Key);
-            if (Down != (GKeys[Key] != 0)) {
-                GKeys[Key] = Down;
-                SetKeyState(Key, Down);
-            }
-        }
-        GLevel->Update(STEP);
-    }
+    static void Step(std::initializer_list<UINT32> Keys = {}) { StepLevel(std::span(Keys.begin(), Keys.size())); }
 
     static Vec3 VelocityOf(const CRider& Rider) {
         const btVector3& v = Rider.Body->getLinearVelocity();

@@ -1,6 +1,5 @@
 // The rider's mechanics, each by itself: what keys, stroke, spring, alignment and camera do in single steps.
 #include "game/GameFixture.h"
-#include "support/AllocationCount.h"
 
 namespace {
 
@@ -192,22 +191,6 @@ TEST_F(Rider, HangsStillInTheEditor) {
     }
     EXPECT_LT(Rider.Client.Pos.z, 490);
 }
-
-#ifndef __SANITIZE_ADDRESS__
-TEST_F(Rider, AStepInWhichNothingChangesTakesNoMemory) {
-    FlyingRider("entity Tree _POS=10;0;300\nentity Tree _POS=900;0;0\n");
-    Step();
-    Step();
-    const UINT64 Before = GAllocations;
-    for (int i = 0; i < 60; ++i) {
-        GLevel->Update(STEP);
-    }
-    EXPECT_EQ(GAllocations, Before);
-    Step({SDLK_UP});
-    Step({SDLK_UP});
-    EXPECT_GT(GAllocations, Before) << "a move through the grid is counted";
-}
-#endif
 
 TEST_F(Rider, SlidingSoundsByItsSpeedAndOnlyOnTheGround) {
     CRider& Rider = FlyingRider("", "gravr=10");

@@ -95,19 +95,6 @@ TEST_F(TextureStorageTest, FilesAndPixelsBecomeRGBAWithMipmaps) {
     ExpectMipmapped(TextureFromPixels(4, 2, Pixels.data()), 4, 2, Pixels);
 }
 
-TEST_F(TextureStorageTest, TheBoundPictureIsCopiedAndDeleted) {
-    WriteTga("Row.tga", 3, 1, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9});
-    UINT32 Image = ilGenImage();
-    ilBindImage(Image);
-    ASSERT_TRUE(ilLoadImage("Row.tga"));
-    INT32 Width = 0, Height = 0;
-    UINT8* Pixels = nullptr;
-    ASSERT_EQ(TextureCopyBoundImage(Width, Height, Pixels, Image), 1);
-    EXPECT_TRUE(Width == 3 && Height == 1 && !ilIsImage(Image));
-    EXPECT_EQ(FBytes(Pixels, Pixels + 12), (FBytes{1, 2, 3, 255, 4, 5, 6, 255, 7, 8, 9, 255}));
-    delete[] Pixels;
-}
-
 TEST_F(TextureStorageTest, DisableUnitsTurnsAllEightOffAndEndsOnTheLast) {
     for (int Round = 0; Round < 2; Round++) {
         for (GLenum Unit = 0; Unit < 8; Unit++) {

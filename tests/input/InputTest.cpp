@@ -145,20 +145,6 @@ TEST_F(InputTest, QuitAndAltF4LeaveTheEventsBehindThem) {
     }
 }
 
-TEST_F(InputTest, ResetForgetsEverythingButTheBindings) {
-    BindAction(Left, true);
-    Push(SDL_KEYDOWN, SDLK_w, 0, 'w');
-    Push(SDL_MOUSEBUTTONDOWN, SDL_BUTTON_LEFT);
-    Push(SDL_MOUSEMOTION, 5, 6);
-    Push(SDL_QUIT);
-    Step();
-    GWarpMouse = 1;
-    InputReset();
-    EXPECT_FALSE(GKeys[SDLK_w] || GLastKeys[SDLK_w] || GMouseLeft || GLastMouseLeft || GQuit || GWarpMouse);
-    EXPECT_TRUE(GMousePos.x + GLastMousePos.x == 0 && GTypedText.Empty());
-    EXPECT_EQ(GKeyBinds.Find(SDLK_LEFT)->value.Bind, &Left);
-}
-
 TEST_F(InputTest, AnUnknownKeyReachesTheActionBoundLast) {
     for (SKeyBind& Bind : GGameBinds) {
         BindAction(Bind, true);

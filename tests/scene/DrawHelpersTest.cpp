@@ -72,39 +72,6 @@ TEST(BillboardTest, CornersStandOnTheirCircleAndAnUpAlongTheViewCollapsesThem) {
     GCamera = CameraState();
 }
 
-TEST_F(DrawTest, QuadsAndSpritesSendPositionColorAndTexture) {
-    GCamera.Eye = {0, 0, 1};
-    GCamera.Target = {0, 0, 0};
-    GCamera.Up = {0, 1, 0};
-    SVertex24 White[4];
-    MakeBillboard24({}, 0.5f, 0, 1, White);
-    White[1].Color = ORANGE;
-    const SVertex20 Line[] = {{{0, 0, 0}, {0.25f, 0.5f}}, {{0.5f, 0.25f, 0.5f}, {1, 2}}};
-    const auto Expect = [](std::set<Vertex> Expected, const std::function<void()>& Draw) {
-        const std::vector<Vertex> Vertices = Drawn(Draw);
-        EXPECT_EQ(std::set<Vertex>(Vertices.begin(), Vertices.end()), Expected);
-    };
-    Expect({{0, 0, 0, 100, 100, 100, 100, 25, 50}, {50, 25, 50, 100, 100, 100, 100, 100, 200}},
-           [&] { DrawVertices20(Line, 2, GL_LINES); });
-    Expect({{-50, 25, 10, 100, 100, 100, 100, 0, 100},
-            {50, 25, 10, 100, 100, 100, 100, 100, 100},
-            {50, -25, 10, 100, 100, 100, 100, 100, 0},
-            {-50, -25, 10, 100, 100, 100, 100, 0, 0}},
-           [] { DrawQuad(-0.5f, 0.5f, 0.25f, -0.25f, 0.1f); });
-    Expect({{-50, 50, 0, 100, 100, 100, 100, 0, 0},
-            {50, 50, 0, 100, 50, 0, 50, 100, 0},
-            {50, -50, 0, 100, 100, 100, 100, 100, 100},
-            {-50, -50, 0, 100, 100, 100, 100, 0, 100}},
-           [&] { DrawQuads24(White, 4); });
-    Expect({{-50, 50, 0, 25, 50, 75, 100, 0, 100, 300},
-            {50, 50, 0, 25, 50, 75, 100, 0, 0, 300},
-            {50, -50, 0, 25, 50, 75, 100, 100, 0, 300},
-            {-50, -50, 0, 25, 50, 75, 100, 100, 100, 300}},
-           [] {
-               DrawBillboard({}, 0.5f, 0, 3, {0, 2, 0}, 0.25f, 0.5f, 0.75f, 1);
-           });
-}
-
 TEST_F(DrawTest, ARectIsAVeilOverItsPartOfTheScreen) {
     ClearWindow(1, 1, 1);
     glEnable(GL_BLEND);

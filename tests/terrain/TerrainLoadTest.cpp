@@ -4,12 +4,10 @@
 #include "graphics/TextureStorage.h"
 #include "physics/Physics.h"
 #include "support/GlFixture.h"
-#include "terrain/TerrainFile.h"
 #include "terrain/TerrainFixture.h"
 
 #include <GL/glew.h>
 #include <btBulletDynamicsCommon.h>
-#include <sstream>
 
 namespace {
 
@@ -105,29 +103,6 @@ TEST_F(TerrainLoadTest, BadInputIsToldAndLeavesItEmptyAndCallable) {
     Terrain.Extents = {100, 100, 10};
     EXPECT_EQ(Load("h.tga x a.tga y a.tga"), "Texture \"x\" loading failed..\nTexture \"y\" loading failed..\n");
     ExpectUsable(33);
-}
-
-TEST(TerrainFileTest, AnyBytesAreTheWordsThatAStreamReads) {
-    const std::string Good = "Data/h.png\r\na.png\t\tb.png\n\nc.png d.png sixth";
-    CRandom Random;
-    for (std::size_t i = 0; i < 4 * Good.size(); i++) {
-        std::string Text = Good.substr(0, i);
-        if (i > Good.size()) {
-            Text[Random.Engine() % Text.size()] = static_cast<char>(Random.Engine() % 255 + 1);
-        }
-        std::istringstream Stream(Text);
-        STerrainFile File;
-        INT32 Ok = 0;
-        const std::string Log = PrintedBy([&] { Ok = ParseTerrainFile("a.ter", Text.c_str(), File); });
-        EXPECT_EQ(Log.empty(), Ok != 0);
-        std::string Word;
-        for (const GString* Found :
-             {&File.Picture, File.Details, File.Details + 1, File.Details + 2, File.Details + 3}) {
-            Stream >> Word;
-            EXPECT_TRUE(!Ok || *Found == Word.c_str()) << Text;
-        }
-        EXPECT_EQ(Ok != 0, !Stream.fail()) << Text;
-    }
 }
 
 TEST_F(TerrainLoadTest, DrawsTheGroundWhereItIsAndWithoutGaps) {

@@ -44,20 +44,6 @@ protected:
     }
     ~TerrainShapeTest() override { PhyFree(); }
 
-    // The places of a ball that is let go, one a step. Takes the ground away again.
-    static std::vector<btVector3> Ride(btRigidBody* Ground, const Vec3& From) {
-        btRigidBody* Ball = PhyAddCapsuleBody(10, 0, From.x, From.y, From.z, true);
-        Ball->setGravity(btVector3(0, 0, -10));
-        std::vector<btVector3> Path;
-        for (int i = 0; i < 150; i++) {
-            PhyStep(1.0f / 60);
-            Path.push_back(Ball->getWorldTransform().getOrigin());
-        }
-        PhyRemoveBody(Ball);
-        PhyRemoveBody(Ground);
-        return Path;
-    }
-
     STerrain Terrain;
     btTriangleMesh Mesh;
 };
@@ -80,22 +66,6 @@ TEST_F(TerrainShapeTest, QueriesYieldTheTrianglesOfTheMeshAndFewMore) {
         // Cells of 0.4; one more on each side, at most.
         const float Cells = ((Max - Min).x() / 0.4f + 4) * ((Max - Min).y() / 0.4f + 4);
         ASSERT_TRUE(!Found.Corners.empty() && static_cast<float>(Found.Corners.size()) <= 6 * Cells) << i;
-    }
-}
-
-TEST_F(TerrainShapeTest, ABallSlidesDownAsOnATriangleMeshOfTheSameHeights) {
-    for (const float x : {-700.0f, 30.0f, 415.0f}) {
-        const Vec3 Start = {x, 1000, 460};
-        const auto Own = Ride(CreateTerrainBody(Terrain.Extents, Terrain.Heights, SIDE, SIDE, {}), Start);
-        btRigidBody::btRigidBodyConstructionInfo Info(0, new btDefaultMotionState, new COrderedMesh(&Mesh, true));
-        Info.m_friction = 0;
-        auto* Ground = new btRigidBody(Info);
-        GPhyWorld->addRigidBody(Ground);
-        const auto Expected = Ride(Ground, Start);
-        for (std::size_t i = 0; i < Own.size(); i++) {
-            ASSERT_LT((Own[i] - Expected[i]).length(), 1e-4f) << "step " << i;
-        }
-        EXPECT_GT(Own.front().y() - Own.back().y(), 20) << "the ball did not slide";
     }
 }
 

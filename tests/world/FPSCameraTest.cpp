@@ -6,7 +6,6 @@
 namespace {
 
 constexpr float GROUND = 51;
-constexpr float STAND = GROUND + 10; // by the body's radius
 
 class FPSCamera : public LevelFixture {
 protected:
@@ -88,17 +87,6 @@ TEST_F(FPSCamera, CoastsToAStop) {
     const Vec3 Rest = Entity.Position;
     Steps(60);
     ExpectNear(Entity.Position, Rest, 0.01f);
-}
-
-TEST_F(FPSCamera, GroundStopsIt) {
-    const CFPSCameraEntity& Entity = Camera();
-    MoveMouse(0, 1000);
-    GKeys[SDLK_w] = 1;
-    for (int i = 0; i < 180; ++i) {
-        Steps(1);
-        EXPECT_GT(Entity.Position.z, STAND - 2.5f);
-    }
-    EXPECT_NEAR(GCamera.Eye.z, STAND, 2.0f);
 }
 
 TEST_F(FPSCamera, SerializesItsAnglesBehindThePosition) {

@@ -2,10 +2,9 @@
 // in it hangs on what the shipped levels look like.
 #pragma once
 
-#include "graphics/Mesh.h"
 #include "scene/LightClient.h"
-#include "scene/MeshClient.h"
 #include "world/LevelFixture.h"
+#include "world/MeshEntity.h"
 
 #include <deque>
 
@@ -22,47 +21,35 @@ protected:
         WriteText("Data/Levels/Flat.ter", "Data/Levels/Flat.tga" + Grey + Grey + Grey + Grey);
         LoadText("WLMF\n" + Ground + "scene cldst=1000 fdist=100000 fcr=0.9 fcg=0.2 fcb=0.1 lda=2 ldp=0.8 " +
                  "lcr=0.5 lcg=0.5 lcb=0.5\n");
-        SLevelParams& P = GLevel->Params;
-        P.AmbientColor_R = P.AmbientColor_G = P.AmbientColor_B = 0.08f;
-        MakeBox();
+        GLevel->Params.AmbientColor_R = GLevel->Params.AmbientColor_G = GLevel->Params.AmbientColor_B = 0.08f;
+        WriteText("Data/Levels/Box.obj",
+                  "v -0.5 -0.5 -0.5\nv 0.5 -0.5 -0.5\nv 0.5 0.5 -0.5\nv -0.5 0.5 -0.5\nv -0.5 -0.5 0.5\n"
+                  "v 0.5 -0.5 0.5\nv 0.5 0.5 0.5\nv -0.5 0.5 0.5\nvn 0 0 -1\nvn 0 0 1\nvn 0 -1 0\n"
+                  "vn 0 1 0\nvn -1 0 0\nvn 1 0 0\nf 4//1 3//1 2//1 1//1\n"
+                  "f 5//2 6//2 7//2 8//2\nf 1//3 2//3 6//3 5//3\nf 3//4 4//4 8//4 7//4\n"
+                  "f 4//5 1//5 5//5 8//5\nf 2//6 3//6 7//6 6//6\n");
+        WriteText("Data/Levels/Box.mdd", "model file=Data/Levels/Box.obj ps=Mesh vs=Mesh\n"
+                                         "texture name=Texture file=Data/Levels/Grey.tga\n");
     }
 
     void Finish() override {
-        for (SMeshClient& Client : Clients) {
-            GLevel->RemoveSpatialClient(&Client);
-        }
         for (SLightClient& Light : Lamps) {
             GLevel->RemoveLight(&Light);
         }
-        Clients.clear();
         Lamps.clear();
-        MeshRelease(Box);
-        glDeleteTextures(static_cast<GLsizei>(Made.size()), Made.data());
         LevelFixture::Finish();
     }
 
-    // A row of pixels.
-    UINT32 TextureOf(const std::vector<SRgb>& Row) {
-        FBytes Pixels;
-        for (const SRgb& Pixel : Row) {
-            for (const int Channel : {Pixel.R, Pixel.G, Pixel.B, 255}) {
-                Pixels.push_back(static_cast<UINT8>(Channel));
-            }
-        }
-        Made.push_back(TextureFromPixels(static_cast<INT32>(Row.size()), 1, Pixels.data()));
-        return Made.back();
+    // The mesh of a box is of one unit's size round its middle.
+    static SMeshClient& Place(const Vec3& Middle, const Vec3& Size, const char* Mesh = "Data/Levels/Box.mdd") {
+        GProperties Properties;
+        Properties["MeshName"] = Mesh;
+        Properties["Position"].Format(99, "%f;%f;%f", Middle.x, Middle.y, Middle.z);
+        Properties["Scale"].Format(99, "%f;%f;%f", Size.x, Size.y, Size.z);
+        auto* Entity = new CMeshEntity(Properties);
+        GLevel->AddEntity(Entity);
+        return Entity->Client;
     }
-
-    SMeshClient& Place(SMesh* Mesh, const Vec3& Centre, const Vec3& Size) {
-        SMeshClient& Client = Clients.emplace_back();
-        Client.Mesh = Mesh;
-        Client.SetPosition(Centre);
-        Client.SetScale(Size);
-        Client.UpdateBounds(true, true);
-        GLevel->AddSpatialClient(&Client);
-        return Client;
-    }
-    SMeshClient& PlaceBox(const Vec3& Centre, const Vec3& Size) { return Place(Box, Centre, Size); }
 
     // Straight down on the ground, from Height above it.
     SLightClient& Hang(float X, float Y, float Height, float Range, const Vec3& Color) {
@@ -72,14 +59,14 @@ protected:
         Light.Angle = 40;
         Light.Range = Range;
         Light.Color = Color;
-        Light.ShadowTarget.Create(1024, 1024, true, true, DEPTH_FORMAT_FLOAT, false, false);
+        Light.ShadowTarget.Create(512, 512, true, true, DEPTH_FORMAT_FLOAT, false, false);
         GLevel->AddLight(&Light);
         return Light;
     }
 
-    static void LookDown(float Height, float Fov) {
+    static void LookDown(float Height, float Degrees) {
         LookFrom({0, 0, GROUND + Height}, {0, 0, 0}, {0, 1, 0});
-        GCamera.Fov = Fov;
+        GCamera.Fov = Degrees;
     }
 
     // What stands in SceneRT behind a picture: before post-processing.
@@ -100,40 +87,5 @@ protected:
         return Picture.At(static_cast<int>((X + 1) / 2 * WINDOW_WIDTH), static_cast<int>((1 - Y) / 2 * WINDOW_HEIGHT));
     }
     static SRgb OnGround(const SPicture& Picture, float X, float Y) { return At(Picture, {X, Y, GROUND}); }
-
-    SMesh* Box = nullptr; // of one unit's size
-    std::deque<SMeshClient> Clients;
     std::deque<SLightClient> Lamps;
-
-private:
-    void MakeBox() {
-        SMesh Cube;
-        Cube.Parts.Resize(1);
-        for (int Face = 0; Face < 6; ++Face) {
-            Vec3 Normal, Right, Up;
-            (&Normal.x)[Face / 2] = Face % 2 ? 0.5f : -0.5f;
-            (&Right.x)[(Face / 2 + 1) % 3] = Face % 2 ? 0.5f : -0.5f;
-            (&Up.x)[(Face / 2 + 2) % 3] = 0.5f;
-            for (const UINT32 Corner : {0, 1, 2, 0, 2, 3}) {
-                Cube.Indices.Add(Cube.Vertices.count + Corner);
-            }
-            for (const Vec3& Corner : {-Right - Up, Up - Right, Right + Up, Right - Up}) {
-                SMeshVertex Vertex;
-                Vertex.Position = Normal + Corner;
-                Vertex.Normal = Normal * 2;
-                Cube.Vertices.Add(Vertex);
-            }
-        }
-        SMeshPart& Part = Cube.Parts[0];
-        Part.PS = Part.VS = "Mesh";
-        Part.VertexCount = Cube.Vertices.count;
-        Part.TriangleCount[0] = Cube.Indices.count / 3;
-        Cube.AddTexture(0, "Texture", TextureOf({{170, 170, 170}}), 0);
-        Cube.UpdatePoints();
-        Cube.BuildBuffers();
-        MeshAdd("[box]", Cube);
-        Box = GMeshByName.Find("[box]")->value->Mesh;
-    }
-
-    std::vector<UINT32> Made;
 };

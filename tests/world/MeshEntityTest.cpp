@@ -1,11 +1,6 @@
-// Scenery in a level: its properties, what the editor's changes do, the frame list, and a wood with its rider as a
-// picture that was looked at.
+// Scenery in a level: its properties, what the editor's changes do, and the frame list.
 #include "world/MeshEntity.h"
-#include "anim/AnimInstance.h"
-#include "game/Wood.h"
-#include "platform/Platform.h"
 #include "support/AllocationCount.h"
-#include "terrain/Terrain.h"
 #include "world/LevelFixture.h"
 
 namespace {
@@ -104,53 +99,6 @@ TEST_F(Scenery, TheFrameListIsSortedByStateAndCostsNoMemoryOnceWarm) {
     const UINT64 Before = GAllocations;
     GLevel->BuildDrawList(false, 0.5f, false, false);
     EXPECT_EQ(GAllocations, Before);
-}
-
-// The rider among three hundred pines, in the middle of a stroke over a turn.
-TEST_F(Scenery, AWoodWithItsRiderLooksAsItWasKept) {
-    PlatSeedRand(1);
-    LoadLevel("Data/Levels/Level1.wlm");
-    const Vec3 Place = GLevel->Terrain->GetPoint(128, 215);
-    std::vector<std::unique_ptr<SMeshClient>> Trees;
-    for (int i = 0; i < 300; ++i) {
-        const UINT32 Column = 108 + static_cast<UINT32>(PlatRand()) % 40;
-        const UINT32 Row = 180 + static_cast<UINT32>(PlatRand()) % 34;
-        Trees.push_back(std::make_unique<SMeshClient>());
-        Trees.back()->Mesh = MeshLoad(TREE_MESH);
-        Trees.back()->SetPosition(GLevel->Terrain->GetPoint(Column, Row) - Vec3{0, 0, 30});
-        Trees.back()->SetScale({2, 2, 2});
-        Trees.back()->UpdateBounds(true, true);
-        GLevel->AddSpatialClient(Trees.back().get());
-    }
-    {
-        SMeshClient Rider;
-        SAnimInstance Anim;
-        Rider.Mesh = MeshLoad("Data/Models/Rider.mdd");
-        for (const SBone& Bone : Rider.Mesh->Bones) {
-            Anim.BoneNames.Add(Bone.Name);
-            Anim.Rotations.Add(Quat());
-        }
-        Anim.Add("Data/Models/TurnLeft.anf", "left", 1);
-        Anim.Add("Data/Models/Cut1.anf", "cut1", 2);
-        Anim.Play(0, "left", 2);
-        Anim.Advance(0.4f);
-        Anim.Play(1, "cut1", 2);
-        Anim.Advance(0.14f);
-        Rider.Anim = &Anim;
-        Rider.SetPosition(Place);
-        Rider.UpdateBounds(true, true);
-        GLevel->AddSpatialClient(&Rider);
-        LookFrom(Place + Vec3{6, 16, 16}, Place + Vec3{0, 0, 7});
-        EXPECT_TRUE(MatchesGolden(Drawn(), "wood", 1.0));
-        GLevel->RemoveSpatialClient(&Rider);
-        MeshRelease(Rider.Mesh);
-    }
-    for (const auto& Tree : Trees) {
-        GLevel->RemoveSpatialClient(Tree.get());
-        MeshRelease(Tree->Mesh);
-    }
-    EXPECT_EQ(GLevel->SpatialClients.count, GLevel->Entities.count) << "nothing but scenery is left";
-    DropLevel();
 }
 
 } // namespace

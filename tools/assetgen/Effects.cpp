@@ -2,7 +2,7 @@
 // boughs, a dull knock, and the hiss of a board on snow, which is a loop.
 //
 // They are heard thousands of times: they begin at once, have no tone that stays in the ear, and peak at PEAK. The game
-// hears them from some twenty units away, which takes 6 to 8 decibels.
+// hears them from some thirty units away, which takes 9 to 10 decibels.
 #include "Asset.h"
 #include "sound/SoundFile.h"
 #include "sound/Synth.h"

@@ -1,9 +1,8 @@
-// Detail textures of the terrain: snow and rock, each as a colour and a normal map, 512 by 512, repeating in both
-// directions.
+// Detail textures of the terrain: snow and rock, 512 by 512, repeating in both directions.
 //
-// Colour and normals of one ground come from one relief, so that they fit. Rock's colour holds its relief in alpha, by
-// which snow settles in its hollows. Normals point up along blue. Those of snow hold its glints in alpha: a few grains
-// with a random phase, nothing elsewhere.
+// The terrain's shader reads as little as it can, so one texel holds all there is of a place: the normal's x and y in
+// red and green, brightness in blue. Rock has its relief in alpha, in whose hollows snow settles; snow its glints: a
+// few grains with a random phase, 0 elsewhere.
 #include "Asset.h"
 #include "Noise.h"
 #include "Picture.h"
@@ -81,49 +80,36 @@ float Glint(INT32 x, INT32 y) {
     return NoiseCell(x, y, 160) < GLINTS ? 0.35f + 0.65f * NoiseCell(x, y, 161) : 0.0f;
 }
 
-bool SaveNormals(const CField& Field, float Strength, bool Glints, const char* File) {
+// Brightness and alpha of a texel.
+struct SFinish {
+    float Bright, Alpha;
+};
+
+SFinish SnowFinish(const CField& Field, INT32 x, INT32 y) {
+    const float Grain = NoiseCell(x, y, 150) - 0.5f;
+    return {0.5f + 0.45f * Field.Prominence(x, y, 12) + 0.10f * Grain, Glint(x, y)};
+}
+
+SFinish RockFinish(const CField& Field, INT32 x, INT32 y) {
+    const float u = static_cast<float>(x) / SIDE;
+    const float v = static_cast<float>(y) / SIDE;
+    const float Hollow = Clamp01(0.5f + 0.9f * Field.Prominence(x, y, 5) + 0.5f * Field.Prominence(x, y, 18));
+    const float Band = NoiseFbmTiled(u * 2, v * 14, 2, 14, 3, 250);
+    const float Lichen = SmoothStep(0.18f, 0.42f, NoiseFbmTiled(u * 9, v * 9, 9, 9, 4, 260));
+    const float Grit = NoiseCell(x, y, 270) - 0.5f;
+    return {0.17f + 0.36f * Hollow + 0.16f * Band + 0.05f * Grit - 0.02f * Lichen, Hollow};
+}
+
+bool SaveGround(const CField& Field, float Strength, SFinish (*Finish)(const CField&, INT32, INT32), const char* File) {
     CPicture Picture(SIDE, SIDE, 4);
     for (INT32 y = 0; y < SIDE; ++y) {
         for (INT32 x = 0; x < SIDE; ++x) {
             const float dx = (Field.At(x - 1, y) - Field.At(x + 1, y)) * Strength;
             const float dy = (Field.At(x, y - 1) - Field.At(x, y + 1)) * Strength;
             const float Scale = 0.5f / std::sqrt(dx * dx + dy * dy + 1.0f);
+            const SFinish Texel = Finish(Field, x, y);
             Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), dx * Scale + 0.5f, dy * Scale + 0.5f,
-                              Scale + 0.5f, Glints ? Glint(x, y) : 1.0f);
-        }
-    }
-    return Picture.SavePng(File);
-}
-
-bool SaveSnow(const CField& Field, const char* File) {
-    CPicture Picture(SIDE, SIDE, 3);
-    for (INT32 y = 0; y < SIDE; ++y) {
-        for (INT32 x = 0; x < SIDE; ++x) {
-            const float High = Field.Prominence(x, y, 12);
-            const float Grain = NoiseCell(x, y, 150) - 0.5f;
-            const float Bright = 0.93f + 0.10f * High + 0.030f * Grain;
-            const float Cool = Clamp01(0.5f - 1.5f * High);
-            Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), Bright - 0.030f * Cool,
-                              Bright - 0.010f * Cool, Bright + 0.012f * Cool);
-        }
-    }
-    return Picture.SavePng(File);
-}
-
-bool SaveRock(const CField& Field, const char* File) {
-    CPicture Picture(SIDE, SIDE, 4);
-    for (INT32 y = 0; y < SIDE; ++y) {
-        for (INT32 x = 0; x < SIDE; ++x) {
-            const float u = static_cast<float>(x) / SIDE;
-            const float v = static_cast<float>(y) / SIDE;
-            const float Hollow = Clamp01(0.5f + 0.9f * Field.Prominence(x, y, 5) + 0.5f * Field.Prominence(x, y, 18));
-            const float Band = NoiseFbmTiled(u * 2, v * 14, 2, 14, 3, 250);
-            const float Lichen = SmoothStep(0.18f, 0.42f, NoiseFbmTiled(u * 9, v * 9, 9, 9, 4, 260));
-            const float Grit = NoiseCell(x, y, 270) - 0.5f;
-            const float Bright = 0.17f + 0.36f * Hollow + 0.16f * Band + 0.05f * Grit;
-            Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), Bright * (1.02f + 0.20f * Band),
-                              Bright * (0.99f + 0.04f * Band) + 0.010f * Lichen,
-                              Bright * (1.01f - 0.10f * Band) - 0.025f * Lichen, Hollow);
+                              Texel.Bright, Texel.Alpha);
         }
     }
     return Picture.SavePng(File);
@@ -132,10 +118,8 @@ bool SaveRock(const CField& Field, const char* File) {
 } // namespace
 
 bool MakeGround(const char* Name, const char* File) {
-    const bool Snow = std::strncmp(Name, "Snow", 4) == 0;
-    const CField Field(Snow ? SnowRelief : RockRelief);
-    if (std::strstr(Name, "Normal")) {
-        return SaveNormals(Field, Snow ? 5.5f : 7.0f, Snow, File);
+    if (std::strcmp(Name, "Snow") == 0) {
+        return SaveGround(CField(SnowRelief), 5.5f, SnowFinish, File);
     }
-    return Snow ? SaveSnow(Field, File) : SaveRock(Field, File);
+    return SaveGround(CField(RockRelief), 7.0f, RockFinish, File);
 }

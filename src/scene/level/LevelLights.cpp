@@ -58,6 +58,7 @@ void CLevel::AddLight(SLightClient* Light) {
 }
 
 void CLevel::RemoveLight(SLightClient* Light) {
+    DeselectGone(Light);
     RemoveClient(Grid, Light);
     for (UINT32 i = 0; i < Lights.count; ++i) {
         if (Lights[i] == Light) {

@@ -46,7 +46,7 @@ constexpr INT32 ECHO_STEPS = 3;
 constexpr float HALL_SECONDS = 1.9f;
 constexpr float HALL_GAIN = 0.46f;
 constexpr float ECHO_IN_HALL = 0.3f;
-constexpr float DRIVE = -2.6f;        // decibels from the sum of the parts to the finished piece
+constexpr float DRIVE = PEAK - 0.7f;  // decibels from the sum of the parts to the finished piece
 constexpr float LOWEST = 30.0f;       // hertz
 constexpr float HALL_LOWEST = 220.0f; // a hall that booms takes the beat away
 

@@ -13,4 +13,6 @@ void PlayPart(const SSong& Song, EPart Part, SStereo& Out);
 // All parts, finished: no peak is above PEAK, the loop is closed.
 SStereo PlaySong(const SSong& Song);
 
-constexpr float PEAK = -1.9f; // decibels; coding adds up to one
+// Decibels; coding adds up to one. The game plays the music as it is, and the effects from some thirty units away,
+// which takes ten: music that went up to full scale would drown the sliding.
+constexpr float PEAK = -7.9f;
