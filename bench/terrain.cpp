@@ -2,6 +2,8 @@
 // with hills on a slope. Somebody else holds the four detail textures, so Load finds them in the store and their
 // decoding is not measured; all else that it does in the game is: decoding, heights, leaves and tree, body, index
 // lists, and vertices and normal map on the GPU.
+// Then what the editor does with such a terrain: a step of a stroke with the largest brush, and the rebuild that shows
+// it, each against the time that it may take.
 #include <GL/glew.h>
 #include <IL/il.h>
 #include <IL/ilu.h>
@@ -119,8 +121,60 @@ void picture_decode(benchmark::State& State) {
     }
 }
 
+bool LoadTerrain(benchmark::State& State, STerrain& Terrain) {
+    if (MakeReady(State)) {
+        Terrain.Load("bench.ter");
+    }
+    return Terrain.Width == SIDE;
+}
+
+void brush_stroke(benchmark::State& State) {
+    constexpr float LARGEST_BRUSH = 100; // world units
+    constexpr float AMOUNT = 0.1f;
+    STerrain Terrain;
+    if (!LoadTerrain(State, Terrain)) {
+        return;
+    }
+    const Vec3 Centre = Terrain.GetPoint(SIDE / 2, SIDE / 2);
+    float Sign = 1;
+    for (auto _ : State) {
+        Terrain.Raise(Centre, LARGEST_BRUSH, 1.5f, Sign * AMOUNT, true);
+        Terrain.Flatten(Centre, LARGEST_BRUSH, 1.5f, AMOUNT, true);
+        Sign = -Sign;
+    }
+    benchmark::DoNotOptimize(Terrain.Heights);
+}
+
+void terrain_update(benchmark::State& State) {
+    STerrain Terrain;
+    if (!LoadTerrain(State, Terrain)) {
+        return;
+    }
+    for (auto _ : State) {
+        Terrain.RebuildGeometry();
+        Terrain.RebuildTree();
+        glFinish();
+    }
+}
+
+void tenth_of_a_step(benchmark::State& State) {
+    for (auto _ : State) {
+        State.SetIterationTime(0.1 / 60);
+    }
+}
+
+void tenth_of_a_second(benchmark::State& State) {
+    for (auto _ : State) {
+        State.SetIterationTime(0.1);
+    }
+}
+
 } // namespace
 
 // Software drawing works in threads of its own.
 BENCHMARK(terrain_load)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(picture_decode)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(brush_stroke)->UseRealTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(terrain_update)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(tenth_of_a_step)->Iterations(1)->UseManualTime();
+BENCHMARK(tenth_of_a_second)->Iterations(1)->UseManualTime();

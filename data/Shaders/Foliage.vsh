@@ -53,6 +53,8 @@ void Light(vec3 World, vec3 N, float Open)
 		+ LightColor * (0.20 * (1.0 - 0.7 * max(N.z, 0.0)) * Open);
 	float Far = pow(min(Distance / FogData.x, 1.0), FogData.y);
 	Far *= 2.0 - Far;
+	// What dissolves turns pale first, so that its holes hardly show.
+	Far = max(Far, 0.75 * (1.0 - Shown));
 	Air = vec4((FogColor + LightColor * vec3(0.10, 0.085, 0.06) * pow(Toward, 4.0)) * Far, Far);
 }
 #endif
@@ -62,6 +64,7 @@ void main()
 	vec4 World = WorldMatrix * gl_Vertex;
 	vec4 Shadow = SMMatrix * World;
 	Shadow.x = -Shadow.x; // the map is drawn mirrored
+	Shown = 1.0 - smoothstep(380.0, 490.0, distance(WorldMatrix[3].xyz, CameraPos));
 	// A card's own normal shows that it is a card; the crown's is that of a cone round the trunk.
 	float Out = length(gl_Vertex.xy);
 	vec3 Crown = vec3(gl_Vertex.xy / max(Out, 0.01), 0.75);
@@ -81,6 +84,5 @@ void main()
 	Unveiled = 1.0 - step(0.001, dot(texture2DLod(ProjMap, vec2(0.5), 16.0).xyz, vec3(1.0)));
 #endif
 	TexCoord = gl_MultiTexCoord0.xy;
-	Shown = 1.0 - smoothstep(400.0, 490.0, distance(WorldMatrix[3].xyz, CameraPos));
 	gl_Position = ProjectionMatrix * (ViewMatrix * World);
 }

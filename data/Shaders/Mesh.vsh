@@ -41,7 +41,7 @@ void main()
 #else
 	mat4 Bone = WorldMatrix;
 	// A thing dissolves as a whole, before it is left out of the picture at 500.
-	Shown = 1.0 - smoothstep(400.0, 490.0, distance(Bone[3].xyz, CameraPos));
+	Shown = 1.0 - smoothstep(380.0, 490.0, distance(Bone[3].xyz, CameraPos));
 #endif
 	vec4 World = Bone * gl_Vertex;
 	Far = pow(min(distance(World.xyz, CameraPos) / FogData.x, 1.0), FogData.y);

@@ -10,9 +10,8 @@ uniform mat4 WorldMatrix;
 varying vec2 TexCoord;
 varying float Holes; // above 0 where the texture's alpha counts
 
-// World units by which ground lies deeper than it does. The smoothed ground that the eye is shown may face the light where
-// one facet of it looks away, and that facet must not lie on itself.
-const float GROUND_SINK = 16.0;
+// World units by which ground lies deeper than it does, so that a ridge does not reach over to its lit side.
+const float GROUND_SINK = 5.0;
 
 void main()
 {

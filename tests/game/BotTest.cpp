@@ -29,7 +29,7 @@ TEST_F(Rides, AnExpertWinsEveryLevelAndWhoNeverSteersFailsTheLast) {
         EXPECT_TRUE(Ride.Won) << Level + 1 << ": " << Ride.Time << " s, " << Ride.Trees << " trees, ends at y "
                               << Ride.End.y;
     }
-    EXPECT_FALSE(RideLevel(LEVEL_COUNT - 1, 1, Skills[BEGINNER]).Won);
+    EXPECT_FALSE(RideLevel(LEVEL_COUNT - 1, 2, Skills[BEGINNER]).Won);
 }
 
 TEST_F(Rides, SameSeedAndKeysGiveTheSameRide) {

@@ -22,8 +22,8 @@ protected:
     // Target and its width, then what is cleared or the program, what is drawn, how it is blended and tested for depth.
     static std::string Describe(const SGlStep& Step, const std::map<UINT32, std::string>& Targets) {
         const auto State = [&](UINT32 Name) { return static_cast<UINT32>(Step.State.at(Name)); };
-        EXPECT_TRUE(State(GL_DEPTH_TEST) && State(GL_DEPTH_FUNC) == GL_LEQUAL);
-        EXPECT_TRUE(State(GL_CULL_FACE) && State(GL_FRONT_FACE) == GL_CW);
+        EXPECT_TRUE(State(GL_DEPTH_TEST) && State(GL_DEPTH_FUNC) == GL_LEQUAL && State(GL_CULL_FACE) &&
+                    State(GL_FRONT_FACE) == GL_CW);
         std::string Out = Targets.at(State(GL_FRAMEBUFFER_BINDING)) + " " + std::to_string(State(GL_VIEWPORT));
         if (Step.Clears) {
             return Out + (Step.Clears & GL_COLOR_BUFFER_BIT ? " clear color" : " clear") +
@@ -37,8 +37,7 @@ protected:
         if (State(GL_BLEND)) {
             Out.append(Factors.at(State(GL_BLEND_SRC_RGB))).append(Factors.at(State(GL_BLEND_DST_RGB)));
         }
-        Out += State(GL_DEPTH_RANGE) ? " far" : "";
-        return Out + (State(GL_DEPTH_WRITEMASK) ? "" : " masked");
+        return Out + (State(GL_DEPTH_RANGE) ? " far" : "") + (State(GL_DEPTH_WRITEMASK) ? "" : " masked");
     }
 };
 
@@ -82,8 +81,8 @@ TEST_F(FramePasses, ComeInTheirOrderWithTheirTargetsProgramsAndStates) {
                           "scene 1024 MeshL_SPOT mesh one one",
                           "window 1024 PostProcess array",
                       }));
-    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
     EXPECT_TRUE(!glIsEnabled(GL_BLEND) && GetInteger(GL_BLEND_SRC_RGB) == GL_SRC_ALPHA && GCurLight == LIGHT_AMBDIR);
+    EXPECT_FALSE(glGetError());
 }
 
 TEST_F(FramePasses, OneMoreOfAMeshCostsAMatrixAndADrawAndNothingIsSetTwice) {
@@ -128,8 +127,7 @@ TEST_F(FramePasses, CastersAreLeftOutOfTheSunsMapOnlyWhereTheirShadowsCantBeSeen
             LeftOut += !Drawn;
         }
     }
-    EXPECT_GT(Shading, 30);
-    EXPECT_GT(LeftOut, 30);
+    EXPECT_TRUE(Shading > 30 && LeftOut > 30) << Shading << " " << LeftOut;
 }
 
 } // namespace

@@ -21,8 +21,7 @@ protected:
         WriteText("Data/Levels/Flat.ter", "Data/Levels/Flat.tga" + Grey + Grey + Grey + Grey);
         LoadText("WLMF\n" + Ground + "scene cldst=1000 fdist=100000 fcr=0.9 fcg=0.2 fcb=0.1 lda=2 ldp=0.8 " +
                  "lcr=0.5 lcg=0.5 lcb=0.5\n");
-        SLevelParams& P = GLevel->Params;
-        P.AmbientColor_R = P.AmbientColor_G = P.AmbientColor_B = 0.08f;
+        GLevel->Params.AmbientColor_R = GLevel->Params.AmbientColor_G = GLevel->Params.AmbientColor_B = 0.08f;
         WriteText("Data/Levels/Box.obj",
                   "v -0.5 -0.5 -0.5\nv 0.5 -0.5 -0.5\nv 0.5 0.5 -0.5\nv -0.5 0.5 -0.5\nv -0.5 -0.5 0.5\n"
                   "v 0.5 -0.5 0.5\nv 0.5 0.5 0.5\nv -0.5 0.5 0.5\nvn 0 0 -1\nvn 0 0 1\nvn 0 -1 0\n"
@@ -65,9 +64,9 @@ protected:
         return Light;
     }
 
-    static void LookDown(float Height, float Fov) {
+    static void LookDown(float Height, float Degrees) {
         LookFrom({0, 0, GROUND + Height}, {0, 0, 0}, {0, 1, 0});
-        GCamera.Fov = Fov; // degrees
+        GCamera.Fov = Degrees;
     }
 
     // What stands in SceneRT behind a picture: before post-processing.

@@ -14,7 +14,7 @@
 namespace {
 
 constexpr INT32 SIDE = 256;
-constexpr float GAP_ALPHA = 0.36f;
+constexpr float GAP_ALPHA = 0.40f;
 
 struct SColour {
     float r, g, b;
@@ -94,10 +94,11 @@ private:
         }
     }
 
-    // Half the width of the bough at a height: widest a third up from the trunk, pointed at the tip.
+    // Half the width of the bough at a height: widest a third up from the trunk, drawn out to a point at the tip.
     static float HalfWidth(float y) {
         const float Along = 1 - y;
-        return 0.48f * Clamp01(1.03f - Along) * SmoothStep(-0.35f, 0.22f, Along);
+        const float Taper = Clamp01(1.0f - Along) * (1.0f - 0.45f * SmoothStep(0.3f, 1.0f, Along));
+        return 0.50f * Taper * SmoothStep(-0.35f, 0.22f, Along);
     }
 
     // Twigs leave the stem towards the tip, each with needles on both sides; those near the trunk lie below.
@@ -122,13 +123,14 @@ private:
             const float t = static_cast<float>(k) / NEEDLES;
             const SPoint Root = {Mix(From.x, To.x, t), Mix(From.y, To.y, t)};
             const float Turn = Angle + (k % 2 ? 1.0f : -1.0f) * (0.55f + 0.5f * NoiseCell(k, Twig, 60));
-            const float Length = LENGTH * (0.7f + 0.6f * NoiseCell(k, Twig, 61)) * (1.1f - 0.5f * t);
+            const float Tip = 1.0f - 0.7f * SmoothStep(0.35f, 0.0f, Root.y); // nothing sticks out beside the tip
+            const float Length = LENGTH * Tip * (0.7f + 0.6f * NoiseCell(k, Twig, 61)) * (1.1f - 0.5f * t);
             const SColour Green = Blend(DARK_NEEDLE, LIGHT_NEEDLE, NoiseCell(k, Twig, 62) * (0.35f + 0.65f * t));
             // Hoar frost grows at the ends of twigs.
             const float Frost = NoiseCell(k, Twig, 63);
             const SColour Colour = Blend(Green, FROST, 0.85f * Frost * Frost * t);
             const SPoint End = {Root.x + std::cos(Turn) * Length, Root.y + std::sin(Turn) * Length};
-            Disc(Root, 0.030f, DARK_NEEDLE, GAP_ALPHA);
+            Disc(Root, 0.030f * Tip, DARK_NEEDLE, GAP_ALPHA);
             Stroke(Root, End, 0.0035f, 0.0015f, Colour);
         }
     }
@@ -173,8 +175,8 @@ bool MakeBark(const char* File) {
             const float Windward = 0.5f + 0.5f * std::cos((u - 0.3f) * 6.2831853f);
             const float Stuck = SmoothStep(0.75f, 0.95f, Windward + 0.35f * NoiseFbmTiled(u * 8, v * 8, 8, 8, 4, 83));
             Colour = Blend(Colour, SNOW, 0.85f * Stuck * Plate);
-            // The top of the trunk, v 1, is a shoot as frosty as the boughs round it.
-            Colour = Blend(Colour, FROST, 0.8f * SmoothStep(0.60f, 0.85f, v));
+            // The top of the trunk, v 1, is a shoot like the boughs round it: far off it is all there is of the tip.
+            Colour = Blend(Colour, Blend(RIM, FROST, 0.35f), SmoothStep(0.60f, 0.80f, v));
             Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), Colour.r, Colour.g, Colour.b);
         }
     }

@@ -74,7 +74,7 @@ constexpr SSlopeParams SLOPES[] = {
     // A wide open bowl under cliffs, long rollers.
     {.Name = "Slope1",
      .Seed = 11,
-     .HalfX = 3000,
+     .HalfX = 2500,
      .Height = 620,
      .Course = {{4000, 0, 230},
                 {3300, 0, 230},
