@@ -93,7 +93,7 @@ constexpr SSlopeParams SLOPES[] = {
                .FarSlope = -0.2f,
                .Rough = 70,
                .Cliffs = 1},
-     .Islands = {{1550, 20, 200, 85, 75}, {-1150, -40, 200, 85, 75}},
+     .Islands = {{1550, 105, 200, 80, 75}, {-1150, -110, 200, 80, 75}},
      .Knobs = 10,
      .Portal = 330},
     // A winding gully between rock walls.

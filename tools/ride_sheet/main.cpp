@@ -84,6 +84,7 @@ public:
         const ILuint Image = ilGenImage();
         ilBindImage(Image);
         ilTexImage(Columns * THUMB_WIDTH, Rows * THUMB_HEIGHT, 1, 3, IL_RGB, IL_UNSIGNED_BYTE, nullptr);
+        ilClearColour(0.08f, 0.09f, 0.11f, 1);
         ilClearImage();
         for (UINT32 i = 0; i < Count; ++i) {
             const UINT32 y = (Rows - 1 - i / Columns) * THUMB_HEIGHT;
