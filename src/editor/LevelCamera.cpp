@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <btBulletDynamicsCommon.h>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -51,9 +52,10 @@ Vec3 PositionOf(const btRigidBody* Body) {
 
 void CLevel::ToggleEditor() {
     EditMode = !EditMode;
+    // The mouse is free in the editor, but a level's own free camera holds it in play.
+    std::swap(GWarpMouse, OtherWarpMouse);
     if (!EditMode) {
-        // Looking around ends with the editor; a level's own free camera goes on holding the mouse.
-        GWarpMouse = GWarpMouse && !GMouseRight;
+        OtherWarpMouse = 0;
         return;
     }
     EditorPos = EditorPrevPos = GCamera.Eye;

@@ -3,6 +3,7 @@
 #include "foundation/GArchive.h"
 #include "input/Input.h"
 #include "physics/Physics.h"
+#include "world/GameLevel.h"
 
 #include <SDL/SDL_keysym.h>
 #include <btBulletDynamicsCommon.h>
@@ -40,6 +41,9 @@ CFPSCameraEntity::~CFPSCameraEntity() {
 }
 
 void CFPSCameraEntity::Update(float) {
+    if (GLevel && GLevel->EditMode) {
+        return;
+    }
     TurnByMouse();
     Vec3 Forward = M_Spherical({XYAngle, ZAngle, 1});
     Vec3 Side = {M_Cos(XYAngle + PI / 2), M_Sin(XYAngle + PI / 2), 0};

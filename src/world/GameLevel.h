@@ -191,6 +191,8 @@ private:
     void DeselectGone(SSpatialClient* Client);
     void EditorAxes(Vec3& Forward, Vec3& Side) const;
     void DrawRowLabel(const char* Label);
+
+    UINT32 OtherWarpMouse = 0; // GWarpMouse as it was before the editor, while that runs
     void InitDrawing();
     void FreeSun();
     void FreeTargets();

@@ -27,9 +27,9 @@ TEST_F(Editor, NumberKeysWalkTheMenusFromARootThatStays) {
     EXPECT_EQ(Panel(), "Change terrain|Sculpt - ON|[chg] Tool: Flatten|Update|Change size|<OP NAME NOT DEFINED>|");
     GLevel->MeshFile = "Data\\Models/Sub\\Hut.mdd";
     Press({SDLK_0, SDLK_4, SDLK_2, SDLK_5, SDLK_4}); // nothing is selected, so nothing opens
-    EXPECT_EQ(Panel().substr(0, 70), "Choose mesh|Hut.mdd|[1/2] Tool: Select|DrawAABB: ON|Transform selection");
+    EXPECT_EQ(Panel().substr(0, 71), "Choose mesh|Hut.mdd|[1/2] Tool: Select|DrawAABB: ON|Transform selection");
     Press({SDLK_3, SDLK_4, SDLK_5, SDLK_0});
-    EXPECT_EQ(Panel().substr(0, 67), "Choose mesh|Hut.mdd|[2/2] Tool: Brush|DrawAABB: OFF|Change transform");
+    EXPECT_EQ(Panel().substr(0, 68), "Choose mesh|Hut.mdd|[2/2] Tool: Brush|DrawAABB: OFF|Change transform");
     Press({SDLK_0});
     StepAt(GMousePos, false, {SDLK_2, SDLK_3}); // the second key goes to the menu that the first one opens
     EXPECT_EQ(GLevel->Menus.Size(), 2u);

@@ -23,7 +23,7 @@ TEST_F(Rides, ShippedLevelsLoadAndRunInSilence) {
     }
 }
 
-TEST_F(Rides, AnExpertWinsEveryLevelAndWhoNeverSteersFailsTheLast) {
+TEST_F(Rides, AnExpertWinsEveryLevelAndWhoNeverSteersSeldomTheLast) {
     for (UINT32 Level = 0; Level < LEVEL_COUNT; ++Level) {
         const SRide Ride = RideLevel(Level, 1, Skills[EXPERT]);
         EXPECT_TRUE(Ride.Won) << Level + 1 << ": " << Ride.Time << " s, " << Ride.Trees << " trees, ends at y "

@@ -91,14 +91,12 @@ TEST_F(Rider, AStrokeHitsAfterAQuarterSecondAndEndsAfterHalfOne) {
 }
 
 TEST_F(Rider, AStrokeFellsAllTreesInReachAndInTheConeAndNoOther) {
-    std::mt19937 Random(5);
-    std::uniform_real_distribution<float> Offset(-60, 60);
+    CRandom Random;
     std::string Trees;
     for (int i = 0; i < 200; ++i) {
-        char Line[96];
-        std::snprintf(Line, sizeof Line, "entity Tree _POS=%.2f;%.2f;%.2f\n", 10 + Offset(Random), 20 + Offset(Random),
-                      500 + Offset(Random));
-        Trees += Line;
+        const Vec3 p = Vec3{10, 20, 500} + Random.Point(60);
+        Trees +=
+            "entity Tree _POS=" + std::to_string(p.x) + ";" + std::to_string(p.y) + ";" + std::to_string(p.z) + "\n";
     }
     CRider& Rider = FlyingRider(Trees);
     Rider.Body->setCollisionFlags(btCollisionObject::CF_NO_CONTACT_RESPONSE); // trees do not push it

@@ -95,16 +95,4 @@ TEST_F(TextureStorageTest, FilesAndPixelsBecomeRGBAWithMipmaps) {
     ExpectMipmapped(TextureFromPixels(4, 2, Pixels.data()), 4, 2, Pixels);
 }
 
-TEST_F(TextureStorageTest, DisableUnitsTurnsAllEightOffAndEndsOnTheLast) {
-    for (int Round = 0; Round < 2; Round++) {
-        for (GLenum Unit = 0; Unit < 8; Unit++) {
-            glActiveTexture(GL_TEXTURE0 + Unit);
-            EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D)) << "unit " << Unit;
-            glEnable(GL_TEXTURE_2D);
-        }
-        TextureDisableUnits();
-    }
-    EXPECT_EQ(GetInteger(GL_ACTIVE_TEXTURE), GL_TEXTURE7);
-}
-
 } // namespace

@@ -1,8 +1,8 @@
 // Detail textures of the terrain: snow and rock, 512 by 512, repeating in both directions.
 //
-// The terrain's shader reads as little as it can, so one texel holds all there is of a place: the normal's x and y in red
-// and green, brightness in blue. Rock has its relief in alpha, in whose hollows snow settles; snow its glints: a few
-// grains with a random phase, 0 elsewhere.
+// The terrain's shader reads as little as it can, so one texel holds all there is of a place: the normal's x and y in
+// red and green, brightness in blue. Rock has its relief in alpha, in whose hollows snow settles; snow its glints: a
+// few grains with a random phase, 0 elsewhere.
 #include "Asset.h"
 #include "Noise.h"
 #include "Picture.h"

@@ -13,7 +13,7 @@
 // Eye to hand takes a quarter of a second with people who know what will come, and a good third with those who do not.
 const SSkill Skills[SKILL_COUNT] = {
     {"beginner", false, 0.35f, 0.0f, 0, 1.0f, 0, 0.15f, 0, 0},
-    {"average", true, 0.30f, 0.5f, 140, 0.6f, 0.16f, 0.12f, 12, 0.6f},
+    {"average", true, 0.30f, 0.5f, 140, 0.6f, 0.16f, 0.12f, 12, 0.5f},
     {"expert", true, 0.20f, 1.0f, 240, 0.2f, 0.04f, 0.03f, 25, 1},
 };
 

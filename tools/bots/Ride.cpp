@@ -19,14 +19,14 @@ constexpr float SPARE_TIME = 0.1f;
 } // namespace
 
 CPlan::CPlan(const SLevelRecord& Record)
-    : Enough(Record.Quota + SPARE_TREES), Limit(Record.TimeLimit), Top(TheRider().Client.Pos.y) {}
+    : Player(TheRider()), Enough(Record.Quota + SPARE_TREES), Limit(Record.TimeLimit), Top(Player.Client.Pos.y) {}
 
 UINT32 CPlan::Wanted() const {
     return Enough > GTreesCut ? Enough - GTreesCut : 0;
 }
 
 bool CPlan::Hurry(float Time, float Care) const {
-    const float Way = (Top - TheRider().Client.Pos.y) / (Top + END_OF_SLOPE * GLevel->Params.SizeY);
+    const float Way = (Top - Player.Client.Pos.y) / (Top + END_OF_SLOPE * GLevel->Params.SizeY);
     const float Due = Way * static_cast<float>(Enough);
     return static_cast<float>(GTreesCut) >= Due * Care || Time / Limit + SPARE_TIME > Way;
 }

@@ -23,6 +23,7 @@ public:
     bool Hurry(float Time, float Care) const; // enough trees for now, or little time; seconds of the ride
 
 private:
+    const CRider& Player;
     UINT32 Enough;
     float Limit; // seconds
     float Top;   // where the ride begins, in Y
