@@ -75,7 +75,7 @@ TEST_F(EditorPlay, ALevelIsChangedSavedAndPlayed) {
     Watch(X, Y - 10);
     ASSERT_TRUE(Key("3", 5, "5: Transform selection") && HoldUntil("4", [&] { return HasChanged(0.02); })) << "boxes";
     ASSERT_TRUE(Pull(X, Y - 10, 0, 0.01)) << "its box has another colour";
-    ASSERT_TRUE(Key("5", 3, "3: > Move") && Key("5", 3, "3: Move"));
+    ASSERT_TRUE(Key("5", 4, "4: Rotate") && Key("5", 3, "3: Move"));
     ASSERT_TRUE(Pull(X, Y - 10, 1, 0.5)) << "it grows or shrinks";
     ASSERT_TRUE(Key("0", 3, "3: [1/2] Tool: Select") && Key("0", 3, "3: Terrain") && Key("3", 4, "4: Update"));
     MoveMouse(Window, X, Y);
