@@ -28,8 +28,8 @@ public:
     // How many parts to draw under these flags.
     virtual UINT32 GetPartCount(UINT32 Flags) = 0;
 
-    // Fills the draw record of part Id, every field but the pipeline's own: an older record may stand in it. False means
-    // that the part is not drawn.
+    // Fills the draw record of part Id, every field but the pipeline's own: an older record may stand in it. False
+    // means that the part is not drawn.
     virtual bool GetRenderData(UINT32 Flags, UINT32 Id, SRenderData* Rd) = 0;
 
     // The part's samplers and the uniforms of the pass, on a bound program.

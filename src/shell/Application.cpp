@@ -2,10 +2,10 @@
 
 #include "foundation/Diagnostics.h"
 #include "foundation/MemPool.h"
-#include "gui/Gui.h"
 #include "game/IGame.h"
 #include "graphics/DrawingState.h"
 #include "graphics/ShaderLib.h"
+#include "gui/Gui.h"
 #include "input/Input.h"
 #include "physics/Physics.h"
 #include "platform/Platform.h"
