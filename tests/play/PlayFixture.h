@@ -95,12 +95,11 @@ protected:
         ASSERT_NO_FATAL_FAILURE(StartToMenu(Variables));
         ASSERT_TRUE(Click(FIRST_BUTTON, [&] { return SeesRide(); }));
     }
-    // Through the pause: its button appears, and the scene rests. A slow machine may show one picture for a while, and
-    // a rider may rest by himself, so one sign alone is not enough.
+    // Through the pause. In quick levels the rider rests by himself, but the button's text is legible; on snow it is
+    // not, but there everything moves until the pause.
     void GoBackToMenu() {
-        const CPixels Before = PictureOf(Window, SECOND_BUTTON.Part);
-        const auto HasChanged = [&] { return MeanDifference(PictureOf(Window, SECOND_BUTTON.Part), Before) > 1; };
-        ASSERT_TRUE(HoldUntil("Escape", [&] { return HasChanged() && StandsStill(); }));
+        const auto IsPaused = [&] { return QuickLevels ? Says("Back to menu", SECOND_BUTTON) : StandsStill(); };
+        ASSERT_TRUE(HoldUntil("Escape", IsPaused));
         ASSERT_TRUE(Click(SECOND_BUTTON, [&] { return SeesTitle(); }));
     }
     void ExpectOrderlyEnd() {
@@ -113,7 +112,8 @@ protected:
     // Levels without ground: nothing is heard but the rider's stroke, and a short push leads over the end of the slope.
     // Forty trees, as many as the largest quota, stand in reach at one place; they are small and quick to draw.
     void WriteQuickLevels(const std::string& MoreOfScene = "gravr=0", const std::string& Ground = "",
-                          const std::string& Place = "0;-3585;1500") const {
+                          const std::string& Place = "0;-3585;1500") {
+        QuickLevels = true;
         std::ofstream(Data("Generators/PineTree0.mgn"))
             << "shade part=0 ps=Mesh vs=Mesh part=1 ps=Foliage vs=Foliage\n"
                "trunk subw=3;0 subh=1;0 height=10;0 rad=0.5;0 basepush=0;0\n"
@@ -212,5 +212,6 @@ protected:
     fs::path Folder;
     std::unique_ptr<CProgram> Game;
     std::string Window;
+    bool QuickLevels = false;
     std::array<double, 128> Widths = {}; // of the font's characters, against the height of a line
 };
