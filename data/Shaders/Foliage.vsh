@@ -10,7 +10,6 @@ uniform vec3 LightColor;
 
 varying vec3 ShadowPos; // sun: in the shadow map, 0 to 1; spot: its x, y and w in the map's clip space
 varying vec2 TexCoord;
-varying float Shown; // 1 near, 0 where meshes end
 #ifdef L_AMBDIR
 varying vec3 Around;  // light from everywhere but the sun
 varying float Sun;    // part of the sun's light, where no shadow falls
@@ -34,9 +33,9 @@ float CloudShare(vec2 Place, float Amount)
 
 // The sky lights what the sun does not reach, and the air shows how bright it is: 1 on a clear morning. The root, since
 // the eye gets used to the dark.
-float SkyLight()
+vec3 SkyLight()
 {
-	return sqrt(dot(FogColor, vec3(0.42)));
+	return sqrt(FogColor * 0.63 + dot(FogColor, vec3(0.21)));
 }
 
 void Light(vec3 World, vec3 N, float Open)
@@ -46,25 +45,24 @@ void Light(vec3 World, vec3 N, float Open)
 	float Toward = max(dot(ToEye, LightDir.xyz) / Distance, 0.0);
 	// Needles let the sun through: seen against it they glow.
 	float Facing = dot(N, -LightDir.xyz);
-	Sun = max((Facing + 0.35) / 1.35, 0.0) * (0.35 + 0.65 * Open) + 0.55 * Toward * Toward * Open;
+	Sun = max((Facing + 0.35) / 1.35, 0.0) * (0.35 + 0.65 * Open) + 0.75 * Toward * Toward * Open;
 	Sun *= 0.95 * CloudShare(World.xy, LightDir.w);
 	// The snow below gives back what the sky sends, warmed by the sun.
-	Around = AmbientColor * vec3(3.7, 3.2, 3.3) * (SkyLight() * (0.72 + 0.28 * N.z) * Open)
+	Around = AmbientColor * vec3(3.7, 3.2, 3.3) * SkyLight() * ((0.72 + 0.28 * N.z) * Open)
 		+ LightColor * (0.20 * (1.0 - 0.7 * max(N.z, 0.0)) * Open);
 	float Far = pow(min(Distance / FogData.x, 1.0), FogData.y);
 	Far *= 2.0 - Far;
-	// What dissolves turns pale first, so that its holes hardly show.
-	Far = max(Far, 0.75 * (1.0 - Shown));
 	Air = vec4((FogColor + LightColor * vec3(0.10, 0.085, 0.06) * pow(Toward, 4.0)) * Far, Far);
 }
 #endif
 
 void main()
 {
-	vec4 World = WorldMatrix * gl_Vertex;
+	// As in Mesh: a tree grows out of the ground before it is left out of the picture at 500.
+	float Grown = 1.0 - smoothstep(360.0, 495.0, distance(WorldMatrix[3].xyz, CameraPos));
+	vec4 World = WorldMatrix * vec4(gl_Vertex.xyz * Grown, 1.0);
 	vec4 Shadow = SMMatrix * World;
 	Shadow.x = -Shadow.x; // the map is drawn mirrored
-	Shown = 1.0 - smoothstep(380.0, 490.0, distance(WorldMatrix[3].xyz, CameraPos));
 	// A card's own normal shows that it is a card; the crown's is that of a cone round the trunk.
 	float Out = length(gl_Vertex.xy);
 	vec3 Crown = vec3(gl_Vertex.xy / max(Out, 0.01), 0.75);
@@ -72,7 +70,9 @@ void main()
 	// A card's v is 1 at the trunk, where the boughs above take the sky away, and 0 at its tip.
 	float Sky = 1.0 - 0.42 * gl_MultiTexCoord0.y;
 #ifdef L_AMBDIR
-	ShadowPos = Shadow.xyz * 0.5 + 0.5;
+	// In whole texels of the world, as the map is drawn.
+	vec2 Beside = fract(SMMatrix[3].xy * 1024.0) / 1024.0;
+	ShadowPos = vec3(Shadow.x + Beside.x, Shadow.y - Beside.y, Shadow.z) * 0.5 + 0.5;
 	Beyond = smoothstep(0.80, 0.98, max(abs(Shadow.x), abs(Shadow.y)));
 	Light(World.xyz, N, Sky);
 #else

@@ -14,7 +14,6 @@ varying vec3 WorldPos;
 varying vec3 ShadowPos; // sun: in the shadow map, 0 to 1; spot: its x, y and w in the map's clip space
 varying vec3 Normal;
 varying vec2 TexCoord;
-varying float Shown;    // 1 near, 0 where meshes end
 varying float SunShare; // of the sun's light, what the clouds let through
 varying float Far;      // part of the light that is fog's
 #ifdef L_SPOT
@@ -37,19 +36,21 @@ void main()
 		+ WorldMatrix[int(Indices.y)] * gl_MultiTexCoord2.y
 		+ WorldMatrix[int(Indices.z)] * gl_MultiTexCoord2.z
 		+ WorldMatrix[int(Indices.w)] * gl_MultiTexCoord2.w;
-	Shown = 1.0;
+	vec4 World = Bone * gl_Vertex;
 #else
 	mat4 Bone = WorldMatrix;
-	// A thing dissolves as a whole, before it is left out of the picture at 500.
-	Shown = 1.0 - smoothstep(380.0, 490.0, distance(Bone[3].xyz, CameraPos));
+	// Meshes are left out of the picture at 500: before that a thing grows out of the ground as a whole.
+	float Grown = 1.0 - smoothstep(360.0, 495.0, distance(Bone[3].xyz, CameraPos));
+	vec4 World = Bone * vec4(gl_Vertex.xyz * Grown, 1.0);
 #endif
-	vec4 World = Bone * gl_Vertex;
 	Far = pow(min(distance(World.xyz, CameraPos) / FogData.x, 1.0), FogData.y);
 	vec4 Shadow = SMMatrix * World;
 	Shadow.x = -Shadow.x; // the map is drawn mirrored
 	WorldPos = World.xyz;
 #ifdef L_AMBDIR
-	ShadowPos = Shadow.xyz * 0.5 + 0.5;
+	// In whole texels of the world, as the map is drawn.
+	vec2 Beside = fract(SMMatrix[3].xy * 1024.0) / 1024.0;
+	ShadowPos = vec3(Shadow.x + Beside.x, Shadow.y - Beside.y, Shadow.z) * 0.5 + 0.5;
 	SunShare = CloudShare(World.xy, LightDir.w);
 #else
 	ShadowPos = Shadow.xyw;

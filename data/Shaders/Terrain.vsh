@@ -48,7 +48,7 @@ float CloudShare(vec2 Place, float Amount)
 float DetailLevel(vec3 ToEye, float Distance, vec3 Ground)
 {
 	const float PIXEL = 0.0026; // world units across a pixel at a distance of one
-	float Texels = PIXEL * 512.0 / (DetailSize * 2.4);
+	float Texels = PIXEL * 1024.0 / (DetailSize * 2.4);
 	return log2(Distance * Texels * inversesqrt(max(dot(Ground, ToEye) / Distance, 0.05))) + 0.5;
 }
 
@@ -60,7 +60,9 @@ void main()
 
 	WorldPos = World.xyz;
 #ifdef L_AMBDIR
-	ShadowPos = Shadow.xyz * 0.5 + 0.5;
+	// The sun's map is drawn in whole texels of the world, else the edges of shadows would crawl while the eye moves.
+	vec2 Beside = fract(SMMatrix[3].xy * 1024.0) / 1024.0;
+	ShadowPos = vec3(Shadow.x + Beside.x, Shadow.y - Beside.y, Shadow.z) * 0.5 + 0.5;
 	SunShare = CloudShare(World.xy, LightDir.w);
 #else
 	ShadowPos = Shadow.xyw;
@@ -77,6 +79,6 @@ void main()
 	Level = DetailLevel(ToEye, Distance, GroundNormal);
 	// The sky lights what the sun does not reach, and the air shows how bright it is: 1 on a clear morning. The root,
 	// since the eye gets used to the dark.
-	SkyColor = AmbientColor * vec3(3.7, 3.2, 3.3) * sqrt(dot(FogColor, vec3(0.42)));
+	SkyColor = AmbientColor * vec3(3.7, 3.2, 3.3) * sqrt(FogColor * 0.63 + dot(FogColor, vec3(0.21)));
 	gl_Position = ProjectionMatrix * (ViewMatrix * World);
 }

@@ -95,6 +95,7 @@ struct SRun {
     int Shared(const SRun& Other) const { return std::min(End, Other.End) - std::max(First, Other.First); }
 };
 
+// Without those where the picture cuts mountains off.
 std::vector<SRun> RunsOf(const SGamePicture& Picture, int Row) {
     std::vector<SRun> Runs;
     for (int x = 0; x < Picture.Width; ++x) {
@@ -104,23 +105,28 @@ std::vector<SRun> RunsOf(const SGamePicture& Picture, int Row) {
         }
         Runs.back().End = x + 1;
     }
+    std::erase_if(Runs, [](const SRun& Run) { return Run.Level == 255; });
     return Runs;
 }
 
-// Levels of the ride from the lowest row up to the start. It is what is level in the middle of the lowest rows, and
-// then in each row what shares most with the row below; an island may take its middle.
-std::vector<int> RideLevels(const SGamePicture& Picture, float SampleWidth) {
+int LowestRow(const SGamePicture& Picture) {
+    return Picture.Height / 32;
+}
+
+// The ride from the lowest row up to the start. It is what is level in the middle of the lowest rows, and then in each
+// row what shares most with the row below; an island may take its middle.
+std::vector<SRun> RideRuns(const SGamePicture& Picture, float SampleWidth) {
     constexpr float LEAST_WIDTH = 60; // world units
-    std::vector<int> Levels;
+    std::vector<SRun> Ride;
     SRun Below{0, Picture.Width / 4, Picture.Width * 3 / 4};
-    for (int Row = Picture.Height / 32; Row < Picture.Height * 95 / 100; ++Row) {
+    for (int Row = LowestRow(Picture); Row < Picture.Height * 96 / 100; ++Row) {
         const std::vector<SRun> Runs = RunsOf(Picture, Row);
         Below = *std::max_element(Runs.begin(), Runs.end(),
                                   [&](auto& a, auto& b) { return a.Shared(Below) < b.Shared(Below); });
         EXPECT_GE(static_cast<float>(Below.End - Below.First) * SampleWidth, LEAST_WIDTH) << "row " << Row;
-        Levels.push_back(Below.Level);
+        Ride.push_back(Below);
     }
-    return Levels;
+    return Ride;
 }
 
 TEST_F(GameFiles, RidesAreLevelAcrossWithoutLoneStepsAndLeadDown) {
@@ -130,16 +136,48 @@ TEST_F(GameFiles, RidesAreLevelAcrossWithoutLoneStepsAndLeadDown) {
         const SGamePicture Picture(Terrains[i].Picture);
         ASSERT_EQ(Picture.Width, Picture.Height);
         EXPECT_LE(Level.SizeZ / 255, 2.5f); // a rounded level is hardly felt
-        const std::vector<int> Ride = RideLevels(Picture, 2 * Level.SizeX / static_cast<float>(Picture.Width));
+        const std::vector<SRun> Ride = RideRuns(Picture, 2 * Level.SizeX / static_cast<float>(Picture.Width));
         // From the end of the slope upwards; beyond it the ground rises.
-        for (std::size_t Row = 26 - Picture.Height / 32; Row + 2 < Ride.size(); ++Row) {
-            const int Steps[] = {Ride[Row] - Ride[Row - 1], Ride[Row + 1] - Ride[Row], Ride[Row + 2] - Ride[Row + 1]};
+        for (std::size_t Row = 26 - LowestRow(Picture); Row + 2 < Ride.size(); ++Row) {
+            const int Steps[] = {Ride[Row].Level - Ride[Row - 1].Level, Ride[Row + 1].Level - Ride[Row].Level,
+                                 Ride[Row + 2].Level - Ride[Row + 1].Level};
             EXPECT_LE(Steps[1], std::max(Steps[0], Steps[2]) + 1) << "row " << Row;
             EXPECT_GE(Steps[1], std::min(Steps[0], Steps[2]) - 1) << "row " << Row;
         }
-        const float Fall = static_cast<float>(Ride.back() - Ride[18]) / 255 * Level.SizeZ / (1.7f * Level.SizeY);
+        const float Fall =
+            static_cast<float>(Ride.back().Level - Ride[18].Level) / 255 * Level.SizeZ / (1.7f * Level.SizeY);
         EXPECT_GT(Fall + std::tan(static_cast<float>(M_PI) - Level.Gravity_Pitch), 0.03f);
     }
+}
+
+// Column of a place along x, row of one along y.
+int SampleAt(float Place, float HalfLength, int Samples) {
+    return static_cast<int>((Place / HalfLength + 1) / 2 * static_cast<float>(Samples));
+}
+
+bool PositionOf(const SEntityDef& Def, float& x, float& y, float& z) {
+    const auto* Found = Def.Properties.Find("Position");
+    return Found && std::sscanf(Found->value.CStr(), "%f;%f;%f", &x, &y, &z) == 3;
+}
+
+TEST_F(GameFiles, RidersStartOnTheRide) {
+    int Riders = 0;
+    for (std::size_t i = 0; i < Levels.size(); ++i) {
+        const SLevelParams& Level = Levels[i];
+        SCOPED_TRACE(Level.TerrainFile.CStr());
+        const SGamePicture Picture(Terrains[i].Picture);
+        const std::vector<SRun> Ride = RideRuns(Picture, 2 * Level.SizeX / static_cast<float>(Picture.Width));
+        for (const SEntityDef& Def : Entities[i]) {
+            float x, y, z;
+            if (Def.ClassName == "Rider" && PositionOf(Def, x, y, z)) {
+                const SRun& Run = Ride[SampleAt(y, Level.SizeY, Picture.Height) - LowestRow(Picture)];
+                const int Column = SampleAt(x, Level.SizeX, Picture.Width);
+                EXPECT_TRUE(Run.First < Column && Column < Run.End) << Run.First << ' ' << Column << ' ' << Run.End;
+                ++Riders;
+            }
+        }
+    }
+    EXPECT_EQ(Riders, 5);
 }
 
 // Between the lowest and the highest sample around the place; some models are sunk a little, the rider falls a little.
@@ -149,21 +187,22 @@ TEST_F(GameFiles, SceneryAndRidersStandOnTheGround) {
         const SLevelParams& Level = Levels[i];
         const SGamePicture Picture(Terrains[i].Picture);
         for (const SEntityDef& Def : Entities[i]) {
-            const auto* Found = Def.Properties.Find("Position");
             float x, y, z;
-            if (!Found || std::sscanf(Found->value.CStr(), "%f;%f;%f", &x, &y, &z) != 3) {
+            if (!PositionOf(Def, x, y, z)) {
                 continue;
             }
-            const int Column = static_cast<int>((x / Level.SizeX + 1) / 2 * static_cast<float>(Picture.Width));
-            const int Row = static_cast<int>((y / Level.SizeY + 1) / 2 * static_cast<float>(Picture.Height));
+            const int Column = SampleAt(x, Level.SizeX, Picture.Width);
+            const int Row = SampleAt(y, Level.SizeY, Picture.Height);
             int Low = 255, High = 0;
             for (int Corner = 0; Corner < 4; ++Corner) {
                 const int Sample = Picture.At(Column + Corner % 2, Row + Corner / 2, 0);
                 Low = std::min(Low, Sample);
                 High = std::max(High, Sample);
             }
-            EXPECT_GE(z, static_cast<float>(Low) / 255 * Level.SizeZ - SLACK) << Found->value.CStr();
-            EXPECT_LE(z, static_cast<float>(High) / 255 * Level.SizeZ + SLACK) << Found->value.CStr();
+            EXPECT_GE(z, static_cast<float>(Low) / 255 * Level.SizeZ - SLACK)
+                << Def.ClassName.CStr() << ' ' << x << ' ' << y;
+            EXPECT_LE(z, static_cast<float>(High) / 255 * Level.SizeZ + SLACK)
+                << Def.ClassName.CStr() << ' ' << x << ' ' << y;
         }
     }
 }

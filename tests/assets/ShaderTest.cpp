@@ -42,13 +42,13 @@ protected:
 
     // The middle of a quad that the world matrix spreads and the projection brings back to fill the window.
     SRgb Draw(float Scale, float z = 0) const {
-        const auto Send = [&](const char* Name, float Size) {
-            const float M[16] = {Size, 0, 0, 0, 0, Size, 0, 0, 0, 0, Size, 0, 0, 0, 0, 1};
+        const auto Send = [&](const char* Name, float Size, float W = 1) {
+            const float M[16] = {Size * W, 0, 0, 0, 0, Size * W, 0, 0, 0, 0, Size * W, 0, 0, 0, 0, W};
             ShaderSetUniformMatrices(M, Id, Name, 1);
         };
         Send("WorldMatrix", Scale);
         Send("ViewMatrix", 1);
-        Send("ProjectionMatrix", 1 / Scale);
+        Send("ProjectionMatrix", 1 / Scale, Depth);
         Send("SMMatrix", 1 / Scale);
         ClearWindow(0, 0, 0);
         DrawQuad(-1, 1, 1, -1, z);
@@ -73,7 +73,21 @@ protected:
         return Draw(200);
     }
 
+    // Without sun, facing the eye.
+    SRgb DrawMesh(const char* Name, UINT8 Green, UINT8 Alpha, float Air) {
+        Use(Name, Name, LIGHT_AMBDIR);
+        SetTexel(0, "Texture", {200, Green, 50, Alpha});
+        SetTexel(6, "ShadowMap", {255, 0, 0, 255});
+        Set("CameraPos", {0, 0, 5});
+        Set("LightDir", {0, 0, -1, 0});
+        Set("AmbientColor", {0.1f, 0.1f, 0.1f});
+        Set("FogColor", {Air, Air, Air});
+        Set("FogData", {1000, 2});
+        return Draw(2);
+    }
+
     UINT32 Id = 0;
+    float Depth = 1; // world units before the eye at which shaders find what is drawn
 };
 
 TEST_F(Shaders, EveryRequestLinks) {
@@ -111,6 +125,30 @@ TEST_F(Shaders, SnowInShadeIsDarkerAndBlueAndFogClosesAtItsDistance) {
     EXPECT_TRUE(std::abs(Far.R - 64) <= 2 && std::abs(Far.G - 128) <= 2 && std::abs(Far.B - 191) <= 2) << Far;
     EXPECT_GT(std::abs(DrawGround(10, 0).B - Far.B), 10);
     EXPECT_GT(std::abs(DrawGround(500, 0).B - Far.B), 5);
+}
+
+TEST_F(Shaders, AMeshShinesByWhatItsAlphaLacksTheMoreInTheDark) {
+    Depth = 50;
+    const auto Gain = [&](float Air) { return DrawMesh("Mesh", 100, 150, Air).R - DrawMesh("Mesh", 100, 255, Air).R; };
+    EXPECT_GT(Gain(0.8f), 5);
+    EXPECT_GT(Gain(0.1f), 100);
+    EXPECT_EQ(DrawMesh("Mesh", 100, 120, 0.1f), (SRgb{0, 0, 0})) << "below a half it is a hole";
+}
+
+// Between the eye and the rider, boughs sooner than trunks, what is dark sooner than what is light.
+TEST_F(Shaders, WhatStandsBeforeTheEyeGivesWay) {
+    const auto Drawn = [&](const char* Name, float Distance, UINT8 Green) {
+        Depth = Distance;
+        return DrawMesh(Name, Green, 255, 0.8f).G > 5;
+    };
+    EXPECT_TRUE(Drawn("Foliage", 30, 30));
+    EXPECT_FALSE(Drawn("Foliage", 26, 30));
+    EXPECT_TRUE(Drawn("Foliage", 26, 200));
+    EXPECT_FALSE(Drawn("Foliage", 18, 200));
+    EXPECT_TRUE(Drawn("Mesh", 20, 30));
+    EXPECT_FALSE(Drawn("Mesh", 15, 30));
+    EXPECT_TRUE(Drawn("Mesh", 15, 200));
+    EXPECT_FALSE(Drawn("Mesh", 8, 200));
 }
 
 // Seen from the light's side a face counts only if it looks away.

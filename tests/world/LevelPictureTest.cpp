@@ -50,6 +50,18 @@ TEST_F(LevelPicture, SkyAndSunAreSeenByDirectionAndTurnWithGravity) {
     EXPECT_NEAR(Lit.B, Dark.B, 1);
 }
 
+// Mountains, clouds and sun of a sky that leans, from an eye that does not.
+TEST_F(LevelPicture, ALeaningSkyLooksAsItWasKeptAndAnUprightOneDoesNotPass) {
+    LoadText("WLMF\nscene sky=Data/Textures/Sky/Morning.png lda=3.5 ldp=1.17 grava=2.6 gravp=2.8\n");
+    const Vec3 Direction = GLevel->SunDirection() + Vec3{0.1f, 0.1f, -0.1f};
+    EXPECT_TRUE(MatchesGolden(DrawnFrom({}, Direction), "sky-turned", GATE));
+    const SGoldenPlace Aside = {DefaultGoldenPlace().Goldens, "failures"};
+    GLevel->Params.Gravity_Pitch = PI;
+    EXPECT_FALSE(MatchesGolden(DrawnFrom({}, Direction), "sky-turned", GATE, Aside));
+    GLevel->Params.Gravity_Pitch = 2 * PI - 2.8f;
+    EXPECT_FALSE(MatchesGolden(DrawnFrom({}, Direction), "sky-turned", GATE, Aside)) << "leaning the other way";
+}
+
 TEST_F(LevelPicture, PhysicsLinesShowOnRequestAndLeaveNoStateBehind) {
     LoadText("WLMF\n" + FlatGround(51));
     const SPicture Plain = DrawnFrom({0, 0, 100}, {1, 0, -0.3f});

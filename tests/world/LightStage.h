@@ -17,8 +17,10 @@ protected:
         const std::string Ground = FlatGround(200);
         // The middle of a normal map's range is an even surface.
         WriteTga("Data/Levels/Grey.tga", 1, 1, 1, {128});
-        const std::string Grey = " Data/Levels/Grey.tga";
-        WriteText("Data/Levels/Flat.ter", "Data/Levels/Flat.tga" + Grey + Grey + Grey + Grey);
+        // Without alpha no grain of the snow glints.
+        WriteTga("Data/Levels/Dull.tga", 1, 1, 4, {128, 128, 128, 0});
+        const std::string Dull = " Data/Levels/Dull.tga";
+        WriteText("Data/Levels/Flat.ter", "Data/Levels/Flat.tga" + Dull + Dull + Dull + Dull);
         LoadText("WLMF\n" + Ground + "scene cldst=1000 fdist=100000 fcr=0.9 fcg=0.2 fcb=0.1 lda=2 ldp=0.8 " +
                  "lcr=0.5 lcg=0.5 lcb=0.5\n");
         GLevel->Params.AmbientColor_R = GLevel->Params.AmbientColor_G = GLevel->Params.AmbientColor_B = 0.08f;

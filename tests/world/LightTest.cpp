@@ -43,6 +43,33 @@ TEST_F(Lighting, ABoxShadesTheGroundToItsEdgesWhereTheSunSaysAlsoUnderTiltedGrav
     EXPECT_TRUE(LooksAsKept(Scene(), "light-shadow"));
 }
 
+// The places cross the edge of a shadow, which is some texels of the map wide.
+TEST_F(Lighting, EdgesOfShadowsStandStillWhileTheEyeMovesByPartsOfATexel) {
+    constexpr float HEIGHT = 30, HALF = 10;
+    Place({0, 0, GROUND + HEIGHT / 2}, {2 * HALF, 2 * HALF, HEIGHT});
+    const Vec3 ToSun = GLevel->SunDirection();
+    const float Edge = -ToSun.x * HEIGHT / ToSun.z - std::copysign(HALF, ToSun.x);
+    const float Middle = -ToSun.y * HEIGHT / ToSun.z;
+    std::vector<float> First;
+    float Moved = 0, Darkest = 255, Brightest = 0;
+    for (int Step = 0; Step < 8; ++Step) {
+        // With the sun behind it, where the snow does not shine.
+        const Vec3 Way = Vec3{0.11f, -0.07f, 0} * static_cast<float>(Step);
+        LookFrom(Vec3{Edge, Middle, GROUND} + ToSun * 20 + Way, Vec3{Edge, Middle, GROUND} + Way);
+        GCamera.Fov = 20;
+        const SPicture Picture = Scene();
+        for (std::size_t i = 0; i < 30; ++i) {
+            const float Bright = OnGround(Picture, Edge - 1.5f + 0.1f * static_cast<float>(i), Middle).G;
+            First.resize(std::max(First.size(), i + 1), Bright);
+            Moved = std::max(Moved, std::fabs(Bright - First[i]));
+            Darkest = std::min(Darkest, Bright);
+            Brightest = std::max(Brightest, Bright);
+        }
+    }
+    EXPECT_GT(Brightest - Darkest, 40) << "the edge is in sight";
+    EXPECT_LT(Moved, 0.15f * (Brightest - Darkest));
+}
+
 TEST_F(Lighting, ASpotLightEndsAtTheEdgeOfItsConeAndBehindWhatStandsInIt) {
     LookDown(200, 30);
     Place({0, 0, GROUND + 50}, {10, 10, 2});
@@ -152,6 +179,33 @@ TEST_F(Lighting, FogTakesMoreWithDistanceAndAllWhereItClosesFromSunAndSpotLight)
         Last = Taken;
     }
     EXPECT_GT(Last, 0.97f);
+}
+
+// A pole on the ground, seen from far. Meshes scale about their origin, here the pole's middle.
+TEST_F(Lighting, AThingGrowsOutOfTheGroundWhereMeshesBeginToBeDrawnAndItsShadowWithIt) {
+    constexpr float HALF = 20;
+    const Vec3 Middle = {0, 0, GROUND + HALF + 0.5f};
+    SMeshClient& Pole = Place(Middle, {6, 6, 2 * HALF});
+    GLevel->Params.LightDir_Angle = 1.5707963f;
+    GLevel->Params.LightDir_Pitch = 1.1f;
+    const Vec3 ToSun = GLevel->SunDirection();
+    // Whether the pole or its shadow is seen at a part of the pole's half height over its middle.
+    const auto Seen = [&](float Distance, float Part, bool Shadow) {
+        LookFrom({Distance, 0, Middle.z + 40}, Middle);
+        GCamera.Fov = 20;
+        const float Up = Middle.z + Part * HALF;
+        const Vec3 Spot = Shadow ? Vec3{0, -ToSun.y / ToSun.z * (Up - GROUND), GROUND} : Vec3{3, 0, Up};
+        Pole.RenderFlags = RENDER_HIDDEN;
+        const SRgb Bare = At(Scene(), Spot);
+        Pole.RenderFlags = 0;
+        return std::abs(At(Scene(), Spot).G - Bare.G) > 8;
+    };
+    for (const bool Shadow : {false, true}) {
+        EXPECT_TRUE(Seen(350, 0.85f, Shadow)) << Shadow;
+        EXPECT_FALSE(Seen(430, 0.70f, Shadow)) << Shadow;
+        EXPECT_TRUE(Seen(430, 0.25f, Shadow)) << Shadow;
+        EXPECT_FALSE(Seen(497, 0.10f, Shadow)) << Shadow;
+    }
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// Detail textures of the terrain: snow and rock, 512 by 512, repeating in both directions.
+// Detail textures of the terrain: snow and rock, 1024 by 1024, repeating in both directions.
 //
 // The terrain's shader reads as little as it can, so one texel holds all there is of a place: the normal's x and y in
 // red and green, brightness in blue. Rock has its relief in alpha, in whose hollows snow settles; snow its glints: a
@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr INT32 SIDE = 512;
+constexpr INT32 SIDE = 1024;
 
 using Relief = float (*)(float u, float v);
 
@@ -26,8 +26,9 @@ float SnowRelief(float u, float v) {
     Ripple *= Ripple;
     const float Broken = SmoothStep(-0.25f, 0.35f, NoiseFbmTiled(u * 5, v * 8, 5, 8, 3, 120));
     const float Streak = NoiseFbmTiled(u * 6, v * 40, 6, 40, 3, 130);
-    const float Grain = NoiseFbmTiled(u * 90, v * 90, 90, 90, 2, 140);
-    return 1.2f * Drift + 0.34f * Ripple * Broken + 0.28f * Streak + 0.05f * Grain;
+    const float Crust = NoiseFbmTiled(u * 60, v * 90, 60, 90, 2, 140);
+    const float Grain = NoiseFbmTiled(u * 256, v * 256, 256, 256, 2, 145);
+    return 1.2f * Drift + 0.34f * Ripple * Broken + 0.28f * Streak + 0.05f * Crust + 0.016f * Grain;
 }
 
 // Strata along u that lean and break, cracks between blocks, and grit.
@@ -45,7 +46,7 @@ float RockRelief(float u, float v) {
     NoiseWorleyTiled(u * 17 + 1.6f * Warp, v * 23 + 1.2f * Warp, 17, 23, 230, Near, Second);
     const float Chip = SmoothStep(0.0f, 0.2f, Second - Near);
 
-    const float Rough = NoiseFbmTiled(u * 8, v * 8, 8, 8, 6, 240);
+    const float Rough = NoiseFbmTiled(u * 8, v * 8, 8, 8, 7, 240);
     return 0.45f * Ledge * Ledges + 0.16f * Block + Face * 0.5f + 0.07f * Chip + 0.85f * Rough + 0.8f * Warp;
 }
 
@@ -76,8 +77,9 @@ private:
 
 // 0 for most grains.
 float Glint(INT32 x, INT32 y) {
-    constexpr float GLINTS = 0.035f; // part of the grains that glint
-    return NoiseCell(x, y, 160) < GLINTS ? 0.35f + 0.65f * NoiseCell(x, y, 161) : 0.0f;
+    constexpr float GLINTS = 0.05f; // part of the grains that glint
+    // Two texels wide, so that the next smaller mip level still has it whole.
+    return NoiseCell(x / 2, y / 2, 160) < GLINTS ? 0.35f + 0.65f * NoiseCell(x / 2, y / 2, 161) : 0.0f;
 }
 
 // Brightness and alpha of a texel.
@@ -87,13 +89,14 @@ struct SFinish {
 
 SFinish SnowFinish(const CField& Field, INT32 x, INT32 y) {
     const float Grain = NoiseCell(x, y, 150) - 0.5f;
-    return {0.5f + 0.45f * Field.Prominence(x, y, 12) + 0.10f * Grain, Glint(x, y)};
+    return {0.5f + 0.45f * Field.Prominence(x, y, 24) + 2.5f * Field.Prominence(x, y, 3) + 0.14f * Grain, Glint(x, y)};
 }
 
 SFinish RockFinish(const CField& Field, INT32 x, INT32 y) {
     const float u = static_cast<float>(x) / SIDE;
     const float v = static_cast<float>(y) / SIDE;
-    const float Hollow = Clamp01(0.5f + 0.9f * Field.Prominence(x, y, 5) + 0.5f * Field.Prominence(x, y, 18));
+    const float Hollow = Clamp01(0.5f + 0.9f * Field.Prominence(x, y, 10) + 0.5f * Field.Prominence(x, y, 36) +
+                                 0.9f * Field.Prominence(x, y, 3));
     const float Band = NoiseFbmTiled(u * 2, v * 14, 2, 14, 3, 250);
     const float Lichen = SmoothStep(0.18f, 0.42f, NoiseFbmTiled(u * 9, v * 9, 9, 9, 4, 260));
     const float Grit = NoiseCell(x, y, 270) - 0.5f;
@@ -119,7 +122,7 @@ bool SaveGround(const CField& Field, float Strength, SFinish (*Finish)(const CFi
 
 bool MakeGround(const char* Name, const char* File) {
     if (std::strcmp(Name, "Snow") == 0) {
-        return SaveGround(CField(SnowRelief), 5.5f, SnowFinish, File);
+        return SaveGround(CField(SnowRelief), 11.0f, SnowFinish, File);
     }
-    return SaveGround(CField(RockRelief), 7.0f, RockFinish, File);
+    return SaveGround(CField(RockRelief), 13.0f, RockFinish, File);
 }

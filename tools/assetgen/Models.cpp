@@ -3,6 +3,7 @@
 //
 // The origin is at the ground; everything reaches some units below it, so that it stands on a slope without a gap.
 #include "Asset.h"
+#include "Lettering.h"
 #include "Noise.h"
 #include "Picture.h"
 #include "Shape.h"
@@ -16,19 +17,20 @@ namespace {
 enum ECell {
     WOOD,
     PLANK,
-    LOG_END,
+    START_RIGHT,
     SNOW,
     ROCK,
     RED,
     BLUE,
     CHEQUER,
-    START,
-    FINISH,
+    START_LEFT,
+    FINISH_LEFT,
     WINDOW,
     ARROW_LEFT,
     DARK,
     STRAW,
-    ARROW_RIGHT
+    ARROW_RIGHT,
+    FINISH_RIGHT
 };
 
 constexpr Vec3 X = {1, 0, 0};
@@ -70,7 +72,7 @@ void AddRock(CShape& Shape, const Vec3& Centre, const Vec3& Size, UINT32 Seed) {
         const Vec3& a = Ball.Vertices[Ball.Indices[i]].Position;
         const Vec3 Normal = M_Normalized(
             M_Cross(Ball.Vertices[Ball.Indices[i + 1]].Position - a, Ball.Vertices[Ball.Indices[i + 2]].Position - a));
-        const bool Snowy = Normal.z > 0.55f;
+        const bool Snowy = Normal.z > 0.66f;
         for (UINT32 k = i; k < i + 3; ++k) {
             SShapeVertex Vertex = Ball.Vertices[Ball.Indices[k]];
             Vertex.Normal = M_Normalized(Snowy ? Vertex.Normal + Z : Normal * 2 + Vertex.Normal);
@@ -110,7 +112,7 @@ void MakeFence(CShape& Shape) {
     AddSnow(Shape, {0, 0, 5.3f}, 8.5f, 0.5f, 0.45f);
 }
 
-void MakeGate(CShape& Shape, int Banner) {
+void MakeGate(CShape& Shape, int Left, int Right, int Wing) {
     constexpr float HALF = 42;
     for (const float Side : {-1.0f, 1.0f}) {
         AddPost(Shape, {Side * HALF, 0, -8}, {Side * HALF, 0, 44}, 1.5f);
@@ -121,13 +123,16 @@ void MakeGate(CShape& Shape, int Banner) {
     AddPost(Shape, {-HALF - 3, 0, 41}, {HALF + 3, 0, 41}, 1.1f);
     AddPost(Shape, {-HALF - 3, 0, 29.5f}, {HALF + 3, 0, 29.5f}, 0.7f);
     AddSnow(Shape, {0, 0, 42}, HALF - 3, 1.0f, 0.9f);
-    // The picture faces the riders, who come from +Y.
-    Shape.AddSheet({20, 0.9f, 30}, {-20, 0.9f, 30}, {-20, 0.9f, 40}, {20, 0.9f, 40}, Banner);
-    for (const float Side : {-1.0f, 1.0f}) {
-        const float Inner = Side > 0 ? 40.0f : -20.0f;
-        Shape.AddSheet({Inner, 0.9f, 30}, {Inner - 20, 0.9f, 30}, {Inner - 20, 0.9f, 40}, {Inner, 0.9f, 40},
-                       Banner == FINISH ? CHEQUER : RED);
-    }
+    // The writing faces the riders, who come from +Y. The cloth laps over both beams: a slit between them would be
+    // narrower than a texel of the shadow map, which makes a row of dots of it.
+    constexpr float LOW = 28.9f, HIGH = 41.2f, AHEAD = 1.15f;
+    const auto Hang = [&](float From, float To, int Cell, int CellBehind) {
+        Shape.AddSheet({From, AHEAD, LOW}, {To, AHEAD, LOW}, {To, AHEAD, HIGH}, {From, AHEAD, HIGH}, Cell, CellBehind);
+    };
+    Hang(40, 22, Wing, Wing);
+    Hang(22, 0, Left, Right);
+    Hang(0, -22, Right, Left);
+    Hang(-22, -40, Wing, Wing);
 }
 
 // Few enough triangles that it is drawn whole at any distance: reduced, a pole and its cloth would be a lump.
@@ -139,7 +144,7 @@ void MakeFlag(CShape& Shape, int Cell) {
 void MakeHut(CShape& Shape) {
     constexpr float HALF_X = 17;
     constexpr float HALF_Y = 13;
-    for (int i = 0; i < 8; ++i) {
+    for (int i = 0; i < 9; ++i) {
         const float z = -5.0f + 2.9f * static_cast<float>(i);
         for (const float Side : {-1.0f, 1.0f}) {
             AddPost(Shape, {-HALF_X - 2, Side * HALF_Y, z}, {HALF_X + 2, Side * HALF_Y, z}, 1.5f);
@@ -212,38 +217,36 @@ SColour Blend(const SColour& a, const SColour& b, float t) {
     return {Mix(a.r, b.r, t), Mix(a.g, b.g, t), Mix(a.b, b.b, t)};
 }
 
-// Capitals of the banners, 5 by 7 dots, rows from the top.
-struct SLetter {
-    char Letter;
-    const char* Rows[7];
-};
-
-constexpr SLetter LETTERS[] = {
-    {'S', {" ### ", "#   #", "#    ", " ### ", "    #", "#   #", " ### "}},
-    {'T', {"#####", "  #  ", "  #  ", "  #  ", "  #  ", "  #  ", "  #  "}},
-    {'A', {" ### ", "#   #", "#   #", "#####", "#   #", "#   #", "#   #"}},
-    {'R', {"#### ", "#   #", "#   #", "#### ", "# #  ", "#  # ", "#   #"}},
-    {'F', {"#####", "#    ", "#    ", "#### ", "#    ", "#    ", "#    "}},
-    {'I', {" ### ", "  #  ", "  #  ", "  #  ", "  #  ", "  #  ", " ### "}},
-    {'N', {"#   #", "##  #", "# # #", "# # #", "# # #", "#  ##", "#   #"}},
-    {'H', {"#   #", "#   #", "#   #", "#####", "#   #", "#   #", "#   #"}},
-};
-
-bool IsInked(const char* Word, float u, float v) {
-    const int Length = static_cast<int>(std::strlen(Word));
-    // The edges of a cell are not seen, so the word keeps away from them.
-    const int Column = static_cast<int>(u * static_cast<float>(6 * Length + 7)) - 4;
-    const int Row = static_cast<int>(v * 11) - 2;
-    if (Column < 0 || Row < 0 || Row >= 7 || Column % 6 == 5 || Column / 6 >= Length) {
-        return false;
-    }
-    for (const SLetter& Letter : LETTERS) {
-        if (Letter.Letter == Word[Column / 6]) {
-            return Letter.Rows[Row][Column % 6] == '#';
+// A word across two cells of the texture, as coverage; a banner is twice as long as its two cells are, against its
+// height, so letters are drawn narrow.
+class CBanner {
+public:
+    explicit CBanner(const char* Word) : Ink(WIDTH, HEIGHT) {
+        constexpr float GAP = 12;
+        const CLettering Type(196, false);
+        const SLetterForm Form = {.ScaleX = 0.52f, .Weight = 2};
+        float Length = -GAP;
+        for (const char* c = Word; *c; ++c) {
+            Length += Type.Advance(*c) * Form.ScaleX + GAP;
         }
+        Type.DrawText(Ink, Word, (WIDTH - Length) / 2, 199, Form, GAP);
     }
-    return false;
-}
+
+    // At a place of the left (0) or right (1) cell. Models show a cell without its margin.
+    SColour At(int Half, float u, float v, const SColour& Cloth, const SColour& Letter) const {
+        const auto Shown = [](float t) { return (t - SHAPE_CELL_MARGIN) / (1 - 2 * SHAPE_CELL_MARGIN); };
+        const float x = (Shown(u) + static_cast<float>(Half)) * 0.5f;
+        const float y = Shown(v);
+        const float Inked = Ink.At(static_cast<INT32>(x * WIDTH), static_cast<INT32>(y * HEIGHT));
+        return Blend(Cloth, Letter, Inked);
+    }
+
+private:
+    static constexpr INT32 WIDTH = 512;
+    static constexpr INT32 HEIGHT = 256;
+
+    CField Ink;
+};
 
 SColour WoodColour(float u, float v, float Boards) {
     const float Board = std::floor(v * Boards);
@@ -252,6 +255,12 @@ SColour WoodColour(float u, float v, float Boards) {
     const float Tone = 0.75f + 0.35f * Grain + 0.15f * NoiseCell(static_cast<INT32>(Board), 3, 401);
     const float Groove = Boards > 1 ? 1 - 0.6f * SmoothStep(0.88f, 1.0f, Edge) : 1;
     return {0.46f * Tone * Groove, 0.31f * Tone * Groove, 0.19f * Tone * Groove};
+}
+
+// Four panes in a frame.
+bool IsGlass(float u, float v) {
+    const auto Pane = [](float t) { return t > 0.12f && t < 0.88f && std::fabs(t - 0.5f) > 0.045f; };
+    return Pane(u) && Pane(v);
 }
 
 SColour CellColour(int Cell, float u, float v) {
@@ -277,17 +286,20 @@ SColour CellColour(int Cell, float u, float v) {
         const bool White = (static_cast<int>(u * 8) + static_cast<int>(v * 4)) % 2;
         return White ? SColour{0.92f * Weave, 0.92f * Weave, 0.9f * Weave} : SColour{0.06f, 0.06f, 0.07f};
     }
-    case START:
-        return IsInked("START", u, v) ? SColour{0.96f, 0.93f, 0.84f}
-                                      : SColour{0.80f * Weave, 0.09f * Weave, 0.08f * Weave};
-    case FINISH:
-        return IsInked("FINISH", u, v) ? SColour{0.07f, 0.07f, 0.09f}
-                                       : SColour{0.94f * Weave, 0.93f * Weave, 0.88f * Weave};
-    case WINDOW: {
-        const bool Frame = std::fabs(u - 0.5f) < 0.06f || std::fabs(v - 0.5f) < 0.06f || u < 0.09f || u > 0.91f ||
-                           v < 0.09f || v > 0.91f;
-        return Frame ? SColour{0.30f, 0.18f, 0.10f} : Blend({1.0f, 0.78f, 0.36f}, {0.95f, 0.55f, 0.20f}, v);
+    case START_LEFT:
+    case START_RIGHT: {
+        static const CBanner Banner("START");
+        const SColour Cloth = {0.80f * Weave, 0.09f * Weave, 0.08f * Weave};
+        return Banner.At(Cell == START_RIGHT, u, v, Cloth, {0.97f, 0.94f, 0.86f});
     }
+    case FINISH_LEFT:
+    case FINISH_RIGHT: {
+        static const CBanner Banner("FINISH");
+        const SColour Cloth = {0.94f * Weave, 0.93f * Weave, 0.88f * Weave};
+        return Banner.At(Cell == FINISH_RIGHT, u, v, Cloth, {0.07f, 0.07f, 0.09f});
+    }
+    case WINDOW:
+        return IsGlass(u, v) ? Blend({1.0f, 0.80f, 0.42f}, {0.96f, 0.58f, 0.22f}, v) : SColour{0.30f, 0.18f, 0.10f};
     case ARROW_RIGHT:
         return CellColour(ARROW_LEFT, 1 - u, v);
     case ARROW_LEFT: {
@@ -306,16 +318,21 @@ SColour CellColour(int Cell, float u, float v) {
     }
 }
 
+// Alpha is 1, and less where the surface shines by itself: the shader makes light of what is missing, and a hole of
+// what is below a half.
 bool PaintTexture(const char* File) {
     constexpr int SIDE = 1024;
     constexpr int CELL_SIDE = SIDE / ATLAS_CELLS;
-    CPicture Picture(SIDE, SIDE, 3);
+    constexpr float SHINING = 0.6f;
+    CPicture Picture(SIDE, SIDE, 4);
     for (int y = 0; y < SIDE; ++y) {
         for (int x = 0; x < SIDE; ++x) {
-            const SColour c = CellColour(y / CELL_SIDE * ATLAS_CELLS + x / CELL_SIDE,
-                                         (static_cast<float>(x % CELL_SIDE) + 0.5f) / CELL_SIDE,
-                                         (static_cast<float>(y % CELL_SIDE) + 0.5f) / CELL_SIDE);
-            Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), c.r, c.g, c.b);
+            const int Cell = y / CELL_SIDE * ATLAS_CELLS + x / CELL_SIDE;
+            const float u = (static_cast<float>(x % CELL_SIDE) + 0.5f) / CELL_SIDE;
+            const float v = (static_cast<float>(y % CELL_SIDE) + 0.5f) / CELL_SIDE;
+            const SColour c = CellColour(Cell, u, v);
+            Picture.SetColour(static_cast<UINT32>(x), static_cast<UINT32>(y), c.r, c.g, c.b,
+                              Cell == WINDOW && IsGlass(u, v) ? SHINING : 1.0f);
         }
     }
     return Picture.SavePng(File);
@@ -344,8 +361,8 @@ constexpr SModel MODELS[] = {
      }},
     {"FallenTrunk", MakeTrunk},
     {"Fence", MakeFence},
-    {"StartGate", [](CShape& Shape) { MakeGate(Shape, START); }},
-    {"FinishGate", [](CShape& Shape) { MakeGate(Shape, FINISH); }},
+    {"StartGate", [](CShape& Shape) { MakeGate(Shape, START_LEFT, START_RIGHT, RED); }},
+    {"FinishGate", [](CShape& Shape) { MakeGate(Shape, FINISH_LEFT, FINISH_RIGHT, CHEQUER); }},
     {"FlagRed", [](CShape& Shape) { MakeFlag(Shape, RED); }},
     {"FlagBlue", [](CShape& Shape) { MakeFlag(Shape, BLUE); }},
     {"Hut", MakeHut},

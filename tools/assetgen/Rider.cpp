@@ -15,7 +15,23 @@
 namespace {
 
 // Cells of the texture.
-enum ECell { JACKET, TROUSERS, DECK, BOOT, GLOVE, HELMET, GOGGLES, SKIN, SCARF, STEEL, LEATHER, BRASS, PACK, BASE };
+enum ECell {
+    JACKET,
+    TROUSERS,
+    DECK,
+    BOOT,
+    GLOVE,
+    HELMET,
+    GOGGLES,
+    SKIN,
+    SCARF,
+    STEEL,
+    LEATHER,
+    BRASS,
+    PACK,
+    SLEEVE,
+    STRAP
+};
 
 Vec3 Joint(ERiderBone Bone) {
     return RIDER_SKELETON[Bone].Joint;
@@ -87,6 +103,18 @@ void AddLegs(CShape& Shape) {
     AddLimb(Shape, BONE_HIPS, BONE_THIGH_R, BONE_SHIN_R, Joint(BONE_FOOT_R) + Vec3{-0.05f, 0, 0.1f}, RADII, TROUSERS);
 }
 
+// A plate under each boot, a high back behind its heel and a strap over its toes. They belong to the body's part: the
+// hull needs none of them.
+void AddBindings(CShape& Shape) {
+    for (const ERiderBone Foot : {BONE_FOOT_L, BONE_FOOT_R}) {
+        const Vec3 At = {Joint(Foot).x, Joint(Foot).y, 0};
+        const UINT8 Bone = static_cast<UINT8>(Foot);
+        Shape.AddBox(At + Vec3{-0.2f, 0, 0.33f}, {1.18f, 0, 0}, {0, 0.66f, 0}, {0, 0, 0.06f}, STRAP, Bone);
+        Shape.AddBox(At + Vec3{1.02f, 0, 1.05f}, {0.07f, 0, 0.02f}, {0, 0.46f, 0}, {-0.02f, 0, 0.72f}, STRAP, Bone);
+        Shape.AddBox(At + Vec3{-0.72f, 0, 0.72f}, {0.17f, 0, 0.02f}, {0, 0.60f, 0}, {-0.03f, 0, 0.26f}, STRAP, Bone);
+    }
+}
+
 // From the seat up to the collar; the jacket's hem flares over the hips, and the chest turns to the front.
 void AddTorso(CShape& Shape) {
     const Vec3 Hips = Joint(BONE_HIPS);
@@ -122,26 +150,46 @@ void AddTorso(CShape& Shape) {
     Shape.AddLoft(Pack.Sections, {0.69f, -0.72f, 0}, 10, PACK, 0.55f);
 }
 
-void AddHand(CShape& Shape, ERiderBone Hand, const Vec3& Towards) {
+// A glove whose fingers bend towards Bend.
+void AddHand(CShape& Shape, ERiderBone Hand, const Vec3& Towards, const Vec3& Bend) {
     const Vec3 Wrist = Joint(Hand);
     const Vec3 Way = M_Normalized(Towards);
+    const Vec3 Curl = M_Normalized(Bend - Way * M_Dot(Bend, Way));
+    const Vec3 Aside = M_Cross(Way, Curl);
     CLoft Glove;
-    Glove.Add(Wrist - Way * 0.35f, 0.46f, 0.46f, Hand);
-    Glove.Add(Wrist - Way * 0.12f, 0.52f, 0.52f, Hand);
-    Glove.Add(Wrist + Way * 0.25f, 0.50f, 0.42f, Hand);
-    Glove.Add(Wrist + Way * 0.62f, 0.44f, 0.34f, Hand);
-    Glove.Add(Wrist + Way * 0.80f, 0.22f, 0.18f, Hand);
-    Shape.AddLoft(Glove.Sections, {0.2f, 0.3f, 0.9f}, 8, GLOVE);
+    Glove.Add(Wrist - Way * 0.42f, 0.52f, 0.52f, Hand);
+    Glove.Add(Wrist - Way * 0.12f, 0.50f, 0.50f, Hand);
+    Glove.Add(Wrist + Way * 0.22f, 0.48f, 0.36f, Hand);
+    Glove.Add(Wrist + Way * 0.62f, 0.44f, 0.26f, Hand);
+    Shape.AddLoft(Glove.Sections, Aside, 8, GLOVE, 0.3f);
+    const auto Finger = [&](const Vec3& Root, const Vec3& Middle, const Vec3& Tip, float Width) {
+        CLoft Loft;
+        Loft.Add(Root, Width, Width, Hand);
+        Loft.Add(Middle, Width * 0.98f, Width * 0.98f, Hand);
+        Loft.Add(Tip, Width * 0.72f, Width * 0.72f, Hand);
+        Shape.AddLoft(Loft.Sections, Aside, 5, GLOVE);
+    };
+    for (int i = 0; i < 4; ++i) {
+        const float Place = 0.22f * (static_cast<float>(i) - 1.5f);
+        const float Reach = i == 1 || i == 2 ? 0.36f : 0.29f;
+        const Vec3 Root = Wrist + Way * 0.52f + Aside * Place;
+        const Vec3 Middle = Root + Way * Reach + Curl * 0.10f;
+        Finger(Root, Middle, Middle + Way * 0.08f + Curl * 0.34f, 0.125f);
+    }
+    const Vec3 Thumb = Wrist + Way * 0.12f + Aside * 0.36f;
+    const Vec3 Knuckle = Thumb + Way * 0.28f + Aside * 0.20f + Curl * 0.16f;
+    Finger(Thumb, Knuckle, Knuckle + Way * 0.22f + Curl * 0.20f - Aside * 0.06f, 0.14f);
 }
 
 void AddArms(CShape& Shape) {
     constexpr float RADII[5] = {0.82f, 0.68f, 0.58f, 0.52f, 0.46f};
     const Vec3 HandL = Joint(BONE_HAND_L);
     const Vec3 HandR = Joint(BONE_HAND_R);
-    AddLimb(Shape, BONE_CHEST, BONE_ARM_L, BONE_FOREARM_L, HandL, RADII, JACKET);
-    AddLimb(Shape, BONE_CHEST, BONE_ARM_R, BONE_FOREARM_R, HandR, RADII, JACKET);
-    AddHand(Shape, BONE_HAND_L, HandL - Joint(BONE_FOREARM_L));
-    AddHand(Shape, BONE_HAND_R, HandR - Joint(BONE_FOREARM_R));
+    AddLimb(Shape, BONE_CHEST, BONE_ARM_L, BONE_FOREARM_L, HandL, RADII, SLEEVE);
+    AddLimb(Shape, BONE_CHEST, BONE_ARM_R, BONE_FOREARM_R, HandR, RADII, SLEEVE);
+    AddHand(Shape, BONE_HAND_L, HandL - Joint(BONE_FOREARM_L), {0, -0.4f, -1});
+    // Round the sword's grip.
+    AddHand(Shape, BONE_HAND_R, HandR - Joint(BONE_FOREARM_R), {0.75f, -0.66f, 0.1f});
 }
 
 // A helmet over a face that looks along -Y, goggles with a broad glass.
@@ -153,6 +201,11 @@ void AddHead(CShape& Shape) {
     Face.Add(Base + Vec3{0, -0.10f, 0.35f}, 0.70f, 0.84f, BONE_HEAD);
     Face.Add(Base + Vec3{0, -0.05f, 0.9f}, 0.72f, 0.86f, BONE_HEAD);
     Shape.AddLoft(Face.Sections, {1, 0, 0}, 12, SKIN);
+    CLoft Nose;
+    Nose.Add(Base + Vec3{0, -0.88f, 0.05f}, 0.15f, 0.10f, BONE_HEAD);
+    Nose.Add(Base + Vec3{0, -0.98f, 0.13f}, 0.14f, 0.14f, BONE_HEAD);
+    Nose.Add(Base + Vec3{0, -0.84f, 0.42f}, 0.08f, 0.08f, BONE_HEAD);
+    Shape.AddLoft(Nose.Sections, {1, 0, 0}, 5, SKIN);
     CLoft Helmet;
     Helmet.Add(Base + Vec3{0, 0.32f, 0.12f}, 0.80f, 0.68f, BONE_HEAD);
     Helmet.Add(Base + Vec3{0, 0.24f, 0.45f}, 0.98f, 0.92f, BONE_HEAD);
@@ -173,22 +226,22 @@ void AddHead(CShape& Shape) {
 void AddScarf(CShape& Shape) {
     const Vec3 Neck = Joint(BONE_NECK);
     CLoft Ring;
-    Ring.Add(Neck + Vec3{0, 0.02f, -0.28f}, 0.85f, 0.92f, BONE_CHEST, BONE_NECK, 0.5f);
-    Ring.Add(Neck + Vec3{0, 0, -0.10f}, 1.02f, 1.08f, BONE_NECK);
-    Ring.Add(Neck + Vec3{0, -0.02f, 0.20f}, 1.00f, 1.06f, BONE_NECK);
+    Ring.Add(Neck + Vec3{0, 0.02f, -0.28f}, 0.92f, 1.0f, BONE_CHEST, BONE_NECK, 0.5f);
+    Ring.Add(Neck + Vec3{0, 0, -0.10f}, 1.14f, 1.20f, BONE_NECK);
+    Ring.Add(Neck + Vec3{0, -0.02f, 0.20f}, 1.10f, 1.16f, BONE_NECK);
     Ring.Add(Neck + Vec3{0, -0.02f, 0.45f}, 0.78f, 0.86f, BONE_NECK);
     Shape.AddLoft(Ring.Sections, {1, 0, 0}, 14, SCARF);
     CLoft Tail;
     const Vec3 a = Joint(BONE_SCARF_1);
     const Vec3 b = Joint(BONE_SCARF_2);
     const Vec3 c = Joint(BONE_SCARF_3);
-    Tail.Add(a + Vec3{-0.2f, -0.3f, -0.1f}, 0.40f, 0.16f, BONE_NECK, BONE_SCARF_1, 0.3f);
-    Tail.Add(a * 0.5f + b * 0.5f, 0.52f, 0.10f, BONE_SCARF_1);
-    Tail.Add(b, 0.56f, 0.09f, BONE_SCARF_1, BONE_SCARF_2, 0.5f);
-    Tail.Add(b * 0.5f + c * 0.5f + Vec3{0, 0, 0.08f}, 0.60f, 0.08f, BONE_SCARF_2);
-    Tail.Add(c, 0.62f, 0.08f, BONE_SCARF_2, BONE_SCARF_3, 0.5f);
-    Tail.Add(c + Vec3{0.1f, 0.9f, -0.15f}, 0.64f, 0.07f, BONE_SCARF_3);
-    Tail.Add(c + Vec3{0.15f, 1.6f, -0.2f}, 0.60f, 0.05f, BONE_SCARF_3);
+    Tail.Add(a + Vec3{-0.2f, -0.3f, -0.1f}, 0.44f, 0.26f, BONE_NECK, BONE_SCARF_1, 0.3f);
+    Tail.Add(a * 0.5f + b * 0.5f, 0.55f, 0.21f, BONE_SCARF_1);
+    Tail.Add(b, 0.58f, 0.19f, BONE_SCARF_1, BONE_SCARF_2, 0.5f);
+    Tail.Add(b * 0.5f + c * 0.5f + Vec3{0, 0, 0.08f}, 0.61f, 0.18f, BONE_SCARF_2);
+    Tail.Add(c, 0.63f, 0.17f, BONE_SCARF_2, BONE_SCARF_3, 0.5f);
+    Tail.Add(c + Vec3{0.1f, 0.9f, -0.15f}, 0.65f, 0.16f, BONE_SCARF_3);
+    Tail.Add(c + Vec3{0.15f, 1.6f, -0.2f}, 0.62f, 0.13f, BONE_SCARF_3);
     Shape.AddLoft(Tail.Sections, {0.9f, 0, 0.45f}, 6, SCARF, 0.6f);
 }
 
@@ -315,6 +368,21 @@ SColour JacketColour(float u, float v) {
     return c * (Cloth(u, v, 300) * Stitch);
 }
 
+// From the shoulder to the cuff.
+SColour SleeveColour(float u, float v) {
+    SColour c = Blend({0.74f, 0.10f, 0.07f}, {0.95f, 0.86f, 0.74f}, Band(v, 0.66f, 0.045f));
+    c = Blend(c, {0.16f, 0.05f, 0.06f}, 0.85f * SmoothStep(0.93f, 0.94f, v));
+    return c * Cloth(u, v, 305);
+}
+
+// Red cheeks and a mouth; the face looks to where u is three quarters.
+SColour FaceColour(float u, float v) {
+    const float Ahead = std::fabs(u - 0.75f);
+    const SColour Skin = SColour{0.82f, 0.60f, 0.48f} * (0.95f + 0.1f * NoiseFbm(u * 6, v * 6, 2, 330));
+    const SColour Red = Blend(Skin, {0.85f, 0.40f, 0.34f}, 0.6f * Band(Ahead, 0.10f, 0.05f) * Band(v, 0.55f, 0.18f));
+    return Blend(Red, {0.45f, 0.18f, 0.16f}, Band(v, 0.34f, 0.03f) * SmoothStep(0.07f, 0.05f, Ahead));
+}
+
 SColour DeckColour(float u, float v) {
     // Rays that run out from the middle to both tips, on a dark ground.
     const float Along = std::fabs(v - 0.5f) * 2;
@@ -361,7 +429,11 @@ SColour CellColour(int Cell, float u, float v) {
     case GOGGLES:
         return GoggleColour(u, v);
     case SKIN:
-        return SColour{0.80f, 0.58f, 0.46f} * (0.95f + 0.1f * NoiseFbm(u * 6, v * 6, 2, 330));
+        return FaceColour(u, v);
+    case SLEEVE:
+        return SleeveColour(u, v);
+    case STRAP:
+        return Blend({0.13f, 0.13f, 0.14f}, {0.97f, 0.62f, 0.12f}, Band(v, 0.5f, 0.10f) * Band(u, 0.5f, 0.36f));
     case SCARF:
         return ScarfColour(u, v);
     case STEEL:
@@ -407,6 +479,7 @@ bool MakeRider(const char* Name, const char* File) {
     AddBoot(Board, BONE_FOOT_R);
     CShape Body;
     AddLegs(Body);
+    AddBindings(Body);
     AddTorso(Body);
     AddArms(Body);
     AddHead(Body);

@@ -8,14 +8,11 @@ namespace {
 
 constexpr float FULL_CIRCLE = 6.2831853f;
 
-// Keeps reads away from the neighbouring cells, also in smaller mip levels.
-constexpr float CELL_MARGIN = 0.06f;
-
 constexpr float SAME_PLACE = 1e-4f;
 
 Vec2 CellUV(int Cell, float u, float v) {
     const float Size = 1.0f / ATLAS_CELLS;
-    const auto Inside = [](float t) { return CELL_MARGIN + (1 - 2 * CELL_MARGIN) * t; };
+    const auto Inside = [](float t) { return SHAPE_CELL_MARGIN + (1 - 2 * SHAPE_CELL_MARGIN) * t; };
     return {(static_cast<float>(Cell % ATLAS_CELLS) + Inside(u)) * Size,
             (static_cast<float>(Cell / ATLAS_CELLS) + Inside(v)) * Size};
 }
@@ -128,9 +125,9 @@ void CShape::AddBox(const Vec3& Centre, const Vec3& AxisX, const Vec3& AxisY, co
     }
 }
 
-void CShape::AddSheet(const Vec3& a, const Vec3& b, const Vec3& c, const Vec3& d, int Cell, UINT8 Bone) {
-    AddQuad(a, b, c, d, Cell, Bone);
-    AddQuad(b, a, d, c, Cell, Bone);
+void CShape::AddSheet(const Vec3& a, const Vec3& b, const Vec3& c, const Vec3& d, int Cell, int CellBehind) {
+    AddQuad(a, b, c, d, Cell, 0);
+    AddQuad(b, a, d, c, CellBehind < 0 ? Cell : CellBehind, 0);
 }
 
 void RoughenShape(CShape& Shape, float Amount, float Scale, UINT32 Seed) {

@@ -12,6 +12,10 @@
 
 constexpr int ATLAS_CELLS = 4; // along each side
 
+// Part of a cell along each edge that models do not show, so that reads keep away from the neighbouring cells, also in
+// smaller mip levels.
+constexpr float SHAPE_CELL_MARGIN = 0.06f;
+
 struct SShapeVertex {
     Vec3 Position;
     Vec3 Normal;
@@ -39,8 +43,8 @@ public:
     // Axes are half edges and may be of any directions that make a right-handed set. Six flat faces.
     void AddBox(const Vec3& Centre, const Vec3& AxisX, const Vec3& AxisY, const Vec3& AxisZ, int Cell, UINT8 Bone = 0);
 
-    // A quad with both faces.
-    void AddSheet(const Vec3& a, const Vec3& b, const Vec3& c, const Vec3& d, int Cell, UINT8 Bone = 0);
+    // A quad with both faces; the one behind may show another cell.
+    void AddSheet(const Vec3& a, const Vec3& b, const Vec3& c, const Vec3& d, int Cell, int CellBehind = -1);
 
     GArray<SShapeVertex> Vertices;
     GArray<UINT32> Indices;

@@ -33,50 +33,55 @@ struct SSkyParams {
     Vec3 Shade;   // light where the sun does not reach
     float Clouds; // 0 to 1
     Vec3 Cloud = {0.93f, 0.95f, 0.98f};
-    float Deck = 0; // 0 to 1: how closed a sheet of dark cloud is
+    float Heaps = 0; // 0 to 1: heaps of fair weather
+    float Deck = 0;  // 0 to 1: how closed a sheet of dark cloud is, over a gap at the horizon
     Vec3 DeckColour = {};
-    float Stars = 0; // brightness of the brightest, against white
-    float Peaks;     // height of the highest mountains over the eye
+    float Aurora = 0; // brightness of northern lights ahead of the ride
+    float Stars = 0;  // brightness of the brightest, against white
+    float Peaks;      // height of the highest mountains over the eye
 };
 
 constexpr SSkyParams SKIES[] = {
     {.Name = "Morning",
      .Seed = 7,
-     .SunAngle = 3.6303f,
-     .SunPitch = 1.0821f,
-     .Zenith = {0.13f, 0.33f, 0.66f},
-     .Middle = {0.40f, 0.62f, 0.88f},
-     .Horizon = {0.72f, 0.83f, 0.94f},
-     .Fog = {0.70f, 0.79f, 0.90f},
-     .Sun = {1.0f, 0.92f, 0.78f},
-     .Shade = {0.42f, 0.53f, 0.74f},
-     .Clouds = 0.55f,
-     .Peaks = 5.2f},
+     .SunAngle = 3.50f,
+     .SunPitch = 1.17f,
+     .Zenith = {0.17f, 0.33f, 0.62f},
+     .Middle = {0.50f, 0.60f, 0.81f},
+     .Horizon = {1.0f, 0.75f, 0.66f},
+     .Fog = {0.84f, 0.73f, 0.75f},
+     .Sun = {1.0f, 0.79f, 0.64f},
+     .Shade = {0.44f, 0.46f, 0.66f},
+     .Clouds = 0.65f,
+     .Cloud = {1.0f, 0.84f, 0.80f},
+     .Peaks = 5.8f},
     {.Name = "Noon",
      .Seed = 19,
      .SunAngle = 2.75f,
-     .SunPitch = 0.78f,
-     .Zenith = {0.06f, 0.20f, 0.52f},
-     .Middle = {0.22f, 0.47f, 0.82f},
-     .Horizon = {0.64f, 0.79f, 0.94f},
-     .Fog = {0.64f, 0.77f, 0.92f},
+     .SunPitch = 0.88f,
+     .Zenith = {0.09f, 0.26f, 0.58f},
+     .Middle = {0.28f, 0.54f, 0.86f},
+     .Horizon = {0.68f, 0.82f, 0.95f},
+     .Fog = {0.68f, 0.79f, 0.92f},
      .Sun = {1.0f, 0.97f, 0.92f},
      .Shade = {0.44f, 0.55f, 0.76f},
-     .Clouds = 0.25f,
-     .Peaks = 6.0f},
+     .Clouds = 0.20f,
+     .Cloud = {0.97f, 0.98f, 1.0f},
+     .Heaps = 0.5f,
+     .Peaks = 6.6f},
     {.Name = "Afternoon",
      .Seed = 31,
      .SunAngle = 2.98f,
-     .SunPitch = 1.17f,
+     .SunPitch = 1.22f,
      .Zenith = {0.15f, 0.29f, 0.55f},
      .Middle = {0.52f, 0.60f, 0.72f},
-     .Horizon = {0.96f, 0.78f, 0.55f},
+     .Horizon = {1.0f, 0.78f, 0.52f},
      .Fog = {0.83f, 0.70f, 0.57f},
      .Sun = {1.0f, 0.78f, 0.48f},
      .Shade = {0.40f, 0.42f, 0.60f},
      .Clouds = 0.7f,
      .Cloud = {1.0f, 0.86f, 0.70f},
-     .Peaks = 4.2f},
+     .Peaks = 5.2f},
     {.Name = "Dusk",
      .Seed = 43,
      .SunAngle = 5.75f,
@@ -90,36 +95,37 @@ constexpr SSkyParams SKIES[] = {
      .Clouds = 0.6f,
      .Cloud = {0.70f, 0.42f, 0.45f},
      .Stars = 0.3f,
-     .Peaks = 3.2f},
+     .Peaks = 4.0f},
     {.Name = "Storm",
      .Seed = 53,
      .SunAngle = 3.4f,
-     .SunPitch = 1.2f,
-     .Zenith = {0.18f, 0.21f, 0.27f},
-     .Middle = {0.34f, 0.38f, 0.43f},
-     .Horizon = {0.66f, 0.64f, 0.56f},
-     .Fog = {0.46f, 0.48f, 0.50f},
-     .Sun = {0.95f, 0.85f, 0.62f},
-     .Shade = {0.26f, 0.30f, 0.38f},
-     .Clouds = 0.4f,
-     .Cloud = {0.62f, 0.63f, 0.64f},
-     .Deck = 0.8f,
-     .DeckColour = {0.15f, 0.18f, 0.23f},
-     .Peaks = 4.6f},
+     .SunPitch = 1.30f,
+     .Zenith = {0.16f, 0.19f, 0.25f},
+     .Middle = {0.52f, 0.50f, 0.46f},
+     .Horizon = {0.98f, 0.75f, 0.42f},
+     .Fog = {0.61f, 0.56f, 0.52f},
+     .Sun = {1.0f, 0.80f, 0.48f},
+     .Shade = {0.27f, 0.30f, 0.38f},
+     .Clouds = 0.15f,
+     .Cloud = {0.74f, 0.62f, 0.50f},
+     .Deck = 0.85f,
+     .DeckColour = {0.22f, 0.25f, 0.31f},
+     .Peaks = 5.4f},
     {.Name = "Night",
      .Seed = 67,
-     .SunAngle = 3.2f,
-     .SunPitch = 1.14f,
+     .SunAngle = 3.38f,
+     .SunPitch = 1.20f,
      .Zenith = {0.020f, 0.032f, 0.090f},
-     .Middle = {0.050f, 0.085f, 0.190f},
-     .Horizon = {0.130f, 0.185f, 0.310f},
-     .Fog = {0.120f, 0.165f, 0.270f},
+     .Middle = {0.045f, 0.090f, 0.185f},
+     .Horizon = {0.120f, 0.225f, 0.330f},
+     .Fog = {0.125f, 0.200f, 0.305f},
      .Sun = {0.75f, 0.80f, 0.92f},
-     .Shade = {0.065f, 0.090f, 0.165f},
-     .Clouds = 0.3f,
+     .Shade = {0.065f, 0.095f, 0.165f},
+     .Clouds = 0.15f,
      .Cloud = {0.22f, 0.28f, 0.41f},
+     .Aurora = 0.92f,
      .Stars = 0.42f,
-     .Peaks = 5.0f},
+     .Peaks = 5.8f},
 };
 
 Vec3 MixColour(const Vec3& A, const Vec3& B, float Part) {
@@ -150,8 +156,9 @@ public:
 
     Vec3 WithGlow(const Vec3& Colour, const Vec3& Dir, float Strength) const {
         const float Facing = std::max(Dot(Dir, ToSun), 0.0f);
-        const float Glow =
-            0.16f * std::pow(Facing, 6.0f) + 0.20f * std::pow(Facing, 60.0f) + 0.40f * std::pow(Facing, 600.0f);
+        const float Disc = SmoothStep(0.9996f, 0.99995f, Facing);
+        const float Glow = 0.16f * std::pow(Facing, 6.0f) + 0.20f * std::pow(Facing, 60.0f) +
+                           0.45f * std::pow(Facing, 600.0f) + 0.5f * Disc;
         const Vec3 Light = {Params.Sun.x * Glow, Params.Sun.y * Glow * 0.93f, Params.Sun.z * Glow * 0.82f};
         return Colour + Light * Strength;
     }
@@ -173,8 +180,31 @@ public:
         return Cover * SmoothStep(0.03f, 0.22f, Dir.z);
     }
 
-    // What the lower sheet of cloud does to Colour: light where it is thin, dark where it is thick, and a bright gap
-    // left over the horizon.
+    // White heaps that float on one level, lit from the sun's side; they shrink into the haze at the horizon.
+    Vec3 WithHeaps(const Vec3& Colour, const Vec3& Dir) const {
+        if (Params.Heaps <= 0 || Dir.z <= 0.04f) {
+            return Colour;
+        }
+        const float Sheet = 1.0f / (Dir.z + 0.14f);
+        const float x = Dir.x * Sheet;
+        const float y = Dir.y * Sheet;
+        const float Many = NoiseFbm(x * 0.35f, y * 0.35f, 2, Params.Seed + 350);
+        const float Here = HeapField(x, y);
+        const float Thick = Here + 0.9f * Many + 0.5f * (Params.Heaps - 0.5f);
+        const float Cover = SmoothStep(0.06f, 0.24f, Thick) * SmoothStep(0.05f, 0.13f, Dir.z);
+        if (Cover <= 0) {
+            return Colour;
+        }
+        const float Light = Clamp01(0.62f + 1.6f * (Here - HeapField(x + 0.13f * ToSun.x, y + 0.13f * ToSun.y)) -
+                                    0.55f * SmoothStep(0.25f, 0.75f, Thick));
+        const Vec3 Body = MixColour(Params.Shade * 1.15f, Params.Cloud, Light);
+        return MixColour(Colour, WithGlow(Body, Dir, 0.5f), 0.94f * Cover);
+    }
+
+    float HeapField(float x, float y) const { return NoiseFbm(x * 1.3f, y * 1.3f, 6, Params.Seed + 360); }
+
+    // What the lower sheet of cloud does to Colour: it ends ragged over a bright gap at the horizon, from which the
+    // light comes under its lumps.
     Vec3 WithDeck(const Vec3& Colour, const Vec3& Dir) const {
         if (Params.Deck <= 0 || Dir.z <= 0.01f) {
             return Colour;
@@ -182,19 +212,55 @@ public:
         const float Sheet = 1.0f / (Dir.z + 0.16f);
         const float x = Dir.x * Sheet;
         const float y = Dir.y * Sheet;
-        const float Warp = NoiseFbm(x * 0.9f, y * 0.9f, 4, Params.Seed + 330);
-        const float Field = NoiseFbm(x * 1.1f + 0.8f * Warp, y * 1.1f - 0.6f * Warp, 6, Params.Seed + 340);
-        const float Torn = SmoothStep(0.96f, 1.0f, Dot(Dir, ToSun)); // the sun stands in a thin place
-        const float Depth = Field + 2.0f * (Params.Deck - 0.5f) - 0.6f * Torn;
-        const float Cover = SmoothStep(-0.15f, 0.25f, Depth) * SmoothStep(0.03f, 0.30f, Dir.z);
-        const Vec3 Body = MixColour(Params.Cloud, Params.DeckColour, SmoothStep(0.0f, 1.0f, Depth));
-        return MixColour(Colour, WithGlow(Body, Dir, 0.9f), Cover);
+        const float Warp = NoiseFbm(x * 0.7f, y * 0.7f, 3, Params.Seed + 330);
+        const float Lump = DeckField(x, y, Warp);
+        const float Ahead = DeckField(x + 0.22f * ToSun.x, y + 0.22f * ToSun.y, Warp);
+        const float Edge = Dir.z + 0.16f * Warp + 0.10f * Lump;
+        const float Thin = 0.85f * SmoothStep(0.94f, 0.995f, Dot(Dir, ToSun)); // where the sun stands
+        const float Torn = (1 - Params.Deck) * SmoothStep(0.0f, 0.2f, Lump);
+        const float Cover = (1 - Thin) * std::min(Params.Deck * SmoothStep(0.20f, 0.40f, Edge) + Torn, 1.0f);
+        // Low over the gap the lumps' near sides are lit; towards the zenith all is dark.
+        const float Low = SmoothStep(0.75f, 0.18f, Dir.z);
+        const float Toward = 0.5f + 0.5f * Dot(Dir, ToSun);
+        const float Light = Clamp01(0.30f + 1.5f * (Lump - Ahead)) * Low * (0.25f + 0.75f * Toward * Toward);
+        const Vec3 Body = MixColour(Params.DeckColour * (1.0f + 1.1f * Lump), Params.Cloud, Light);
+        return MixColour(Colour, WithGlow(Body, Dir, 0.45f), Cover);
+    }
+
+    float DeckField(float x, float y, float Warp) const {
+        return NoiseFbm(x * 1.1f + 0.7f * Warp, y * 1.1f - 0.5f * Warp, 6, Params.Seed + 340);
+    }
+
+    // Curtains of light that hang over the far end of the ride, with rays that run upwards.
+    Vec3 Aurora(const Vec3& Dir) const {
+        Vec3 Light;
+        const float Round = std::atan2(-Dir.y, -Dir.x); // from the middle of the picture, to both sides
+        const float Up = std::asin(std::min(Dir.z, 1.0f));
+        if (Params.Aurora <= 0 || Dir.z <= 0.02f || std::fabs(Round) > 1.9f) {
+            return Light;
+        }
+        for (int i = 0; i < 3; ++i) {
+            const float Shift = 1.7f * static_cast<float>(i);
+            const float Wave = NoiseFbm(Round * 1.1f + Shift, 0.31f + Shift, 3, Params.Seed + 370);
+            const float Foot =
+                0.17f + 0.13f * static_cast<float>(i) + 0.16f * Wave + 0.05f * std::sin(3.1f * Round + Shift);
+            const float Ray = NoiseFbm(Round * 16 + 5 * Wave, Up * 1.2f + Shift, 4, Params.Seed + 380);
+            const float Fold = NoiseFbm(Round * 2.3f + Shift, Shift, 2, Params.Seed + 390);
+            const float Over = Up - Foot;
+            const float Tall = 0.10f + 0.16f * Clamp01(0.5f + Ray);
+            const float Body = SmoothStep(-0.035f, 0.015f, Over) * std::exp(-std::max(Over, 0.0f) / Tall);
+            const float Bright = Body * Clamp01(0.55f + 1.3f * Ray) * Clamp01(0.55f + 1.4f * Fold) *
+                                 SmoothStep(1.9f, 0.9f, std::fabs(Round)) / (1.0f + 0.6f * static_cast<float>(i));
+            const float High = SmoothStep(0.02f, 0.32f, Over);
+            Light += MixColour({0.16f, 0.92f, 0.52f}, {0.46f, 0.22f, 0.78f}, High) * (Bright * Params.Aurora);
+        }
+        return Light * SmoothStep(1.0f, 0.97f, Dot(Dir, ToSun)); // the moon's glare hides it
     }
 
     Vec3 WithClouds(const Vec3& Colour, const Vec3& Dir) const {
         const float Cover = Cirrus(Dir) * Params.Clouds * 1.35f;
-        const Vec3 Lit = WithGlow(Params.Cloud, Dir, 0.5f);
-        return WithDeck(MixColour(Colour, Lit, std::min(Cover, 0.9f)), Dir);
+        const Vec3 Lit = WithGlow(Params.Cloud, Dir, Mix(0.5f, 1.0f, SmoothStep(0.97f, 0.999f, Dot(Dir, ToSun))));
+        return WithDeck(WithHeaps(MixColour(Colour, Lit, std::min(Cover, 0.9f)), Dir), Dir);
     }
 
     const SSkyParams& Params;
@@ -207,18 +273,21 @@ public:
     explicit CRange(const CAir& Air) : Air(Air), Seed(Air.Params.Seed) {}
 
     float Height(float x, float y, INT32 Octaves) const {
-        const float Massif = 0.62f + 0.75f * NoiseFbm(x * 0.03f, y * 0.03f, 2, Seed + 400);
-        const float Crest = NoiseRidged(x * 0.075f, y * 0.075f, Octaves, Seed + 410);
+        const float Massif = 0.60f + 1.15f * NoiseFbm(x * 0.035f, y * 0.035f, 2, Seed + 400);
+        const float Crest = NoiseRidged(x * 0.062f, y * 0.062f, Octaves, Seed + 410);
         const float Far = SmoothStep(8.0f, 18.0f, std::sqrt(x * x + y * y));
         const float Top = Mix(FLOOR, Air.Params.Peaks, Far);
-        return FLOOR + (Top - FLOOR) * Crest * (0.45f + 0.75f * Clamp01(Massif));
+        // A saddle under the sun, which would else stand behind a summit where it is low.
+        const float Sunward = (x * Air.ToSun.x + y * Air.ToSun.y) / std::max(std::hypot(x, y), 0.01f);
+        const float Saddle = 1.0f - 0.5f * SmoothStep(0.86f, 0.98f, Sunward / std::hypot(Air.ToSun.x, Air.ToSun.y));
+        return FLOOR + (Top - FLOOR) * Saddle * Crest * (0.40f + 0.95f * std::clamp(Massif, 0.0f, 1.2f));
     }
 
     // Light from the ground at a place that lies Distance away.
     Vec3 Colour(float x, float y, float z, float Distance) const {
-        constexpr float STEP = 0.05f;
-        const float dx = (Height(x + STEP, y, FULL_DETAIL) - z) / STEP;
-        const float dy = (Height(x, y + STEP, FULL_DETAIL) - z) / STEP;
+        const float Step = 0.0045f * Distance; // more than a pixel, so that faces are not all grain
+        const float dx = (Height(x + Step, y, FULL_DETAIL) - z) / Step;
+        const float dy = (Height(x, y + Step, FULL_DETAIL) - z) / Step;
         const float Scale = 1.0f / std::sqrt(dx * dx + dy * dy + 1.0f);
         const Vec3 Normal = {-dx * Scale, -dy * Scale, Scale};
 
@@ -333,7 +402,7 @@ private:
         const Vec3 Dir = Direction((static_cast<float>(x) + 0.5f) / WIDTH * 2 * PI, Elevation);
         // Haze and the sun's glow hide the stars.
         const float Star = Stars(x, y) * SmoothStep(0.0f, 0.3f, Dir.z) * SmoothStep(0.97f, 0.80f, Dot(Dir, Air.ToSun));
-        const Vec3 Sky = Air.At(Dir) + Vec3{Star, Star, Star};
+        const Vec3 Sky = Air.At(Dir) + Vec3{Star, Star, Star} + Air.Aurora(Dir);
         const Vec3 Behind = Dir.z > 0 ? Air.WithClouds(Sky, Dir) : Sky;
         Vec3 Sum;
         for (INT32 i = 0; i < FINE * FINE; ++i) {

@@ -74,7 +74,7 @@ constexpr SSlopeParams SLOPES[] = {
     // A wide open bowl under cliffs, long rollers.
     {.Name = "Slope1",
      .Seed = 11,
-     .HalfX = 2500,
+     .HalfX = 3150,
      .Height = 620,
      .Course = {{4000, 0, 230},
                 {3300, 0, 230},
@@ -99,7 +99,7 @@ constexpr SSlopeParams SLOPES[] = {
     // A winding gully between rock walls.
     {.Name = "Slope2",
      .Seed = 23,
-     .HalfX = 3200,
+     .HalfX = 3700,
      .Height = 560,
      .Course = {{4000, 250, 170},
                 {3400, 250, 150},
@@ -183,7 +183,7 @@ constexpr SSlopeParams SLOPES[] = {
     // A narrow chute that winds over short waves.
     {.Name = "Slope5",
      .Seed = 59,
-     .HalfX = 2700,
+     .HalfX = 2720,
      .Height = 520,
      .Course = {{4000, -120, 140},
                 {3400, -120, 120},
@@ -242,6 +242,10 @@ constexpr float FOOT = -0.86f;         // from there on the ground rises, and ri
 constexpr float HEAD = 0.92f;          // from there up it rises behind the start
 constexpr float FOOT_RISE = 150;       // up to the picture's edge
 constexpr float HEAD_RISE = 90;
+// Along both sides of the world runs a ditch whose outer wall is one sample wide, so that nobody rides over the border.
+constexpr float DITCH_DEPTH = 110;
+constexpr float DITCH_WIDTH = 350;
+constexpr INT32 DITCH_WALL = 2; // samples from the border
 
 // The smaller and the larger of two heights, with the edge between them rounded over Width.
 float SoftMin(float A, float B, float Width) {
@@ -266,7 +270,8 @@ public:
         for (const float Rock : {IslandAt(Place), KnobAt(Place)}) {
             Rise = Rock > 0 ? std::max(Rise, Rock) : Rise;
         }
-        return std::clamp(Ride[Row] + static_cast<INT32>(std::lround(Rise / LevelHeight)), 0, TOP_LEVEL);
+        const INT32 Whole = std::min(Ride[Row] + static_cast<INT32>(std::lround(Rise / LevelHeight)), TOP_LEVEL);
+        return std::max(Whole - static_cast<INT32>(DitchAt(Column) / LevelHeight), 0);
     }
 
 private:
@@ -323,6 +328,7 @@ private:
     float IslandAt(const SPlace& Place) const;
     float KnobAt(const SPlace& Place) const;
     float Portal(float Rise, const SPlace& Place) const;
+    float DitchAt(INT32 Column) const;
     float CraggyAt(const SPlace& Place) const;
 
     const SSlopeParams& Params;
@@ -493,6 +499,13 @@ float CSlope::Portal(float Rise, const SPlace& Place) const {
     const float Near = 1 - SmoothStep(60, 480, Away);
     const float Top = Params.Portal * (2 - CraggyAt(Place));
     return std::max(Rise, std::min(Rise * (1 + STEEPER * Near), Top));
+}
+
+// Depth of the ditch below the ground that it is cut into.
+float CSlope::DitchAt(INT32 Column) const {
+    const INT32 Samples = std::min(Column, SAMPLES - 1 - Column); // from the border
+    const float Inside = static_cast<float>(Samples - DITCH_WALL) * 2 * Params.HalfX / SAMPLES;
+    return Inside < 0 ? 0 : DITCH_DEPTH * (1 - SmoothStep(0, DITCH_WIDTH, Inside));
 }
 
 } // namespace

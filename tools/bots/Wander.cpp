@@ -37,7 +37,8 @@ void PutDownAnywhere(const CRider& Rider, std::mt19937& Chance) {
     Vec3 Place = GLevel->Terrain->Extents;
     Place.x *= Part(Chance);
     Place.y *= Part(Chance);
-    Place.z = TerrainHeightAt(Place.x, Place.y) + DROP_HEIGHT;
+    Place.z = 0;
+    Place.z = DROP_HEIGHT - HeightOverGround(Place);
     PhySetPosition(Place, Rider.Body);
 }
 
