@@ -19,13 +19,13 @@ public:
     bool Read() {
         char Magic[sizeof(MAGIC)] = {};
         Reader.Serialize(Magic, sizeof(Magic));
-        if (std::memcmp(Magic, MAGIC, sizeof(MAGIC)) != 0 || Left() < 2 * sizeof(UINT32)) {
+        if (std::memcmp(Magic, MAGIC, sizeof(MAGIC)) != 0 || Reader.Left() < 2 * sizeof(UINT32)) {
             return false;
         }
         UINT32 TrackCount = 0;
         Reader << Anim.Time << TrackCount;
         G_ASSERT(TrackCount != 0);
-        bool Good = TrackCount <= Left() / TRACK_BYTES;
+        bool Good = TrackCount <= Reader.Left() / TRACK_BYTES;
         for (UINT32 i = 0; Good && i < TrackCount; ++i) {
             Good = ReadTrack();
         }
@@ -33,33 +33,15 @@ public:
     }
 
 private:
-    UINT32 Left() { return static_cast<UINT32>(Reader.Size() - Reader.Tell()); }
-
-    bool ReadName(GString& Name) {
-        UINT32 Length = 0;
-        if (Left() < sizeof(Length)) {
-            return false;
-        }
-        Reader << Length;
-        if (Length > Left()) {
-            return false;
-        }
-        GArray<char> Characters;
-        Characters.Resize(Length);
-        Reader.Serialize(Characters.Data, Length);
-        Name.Append(Characters.Data, Length);
-        return true;
-    }
-
     bool ReadTrack() {
         GString Name;
         UINT32 ValueCount = 0;
-        if (!ReadName(Name) || Left() < sizeof(ValueCount)) {
+        if (!Reader.ReadText(Name) || Reader.Left() < sizeof(ValueCount)) {
             return false;
         }
         Reader << ValueCount;
         G_ASSERT(ValueCount != 0);
-        if (ValueCount > Left() / KEY_BYTES) {
+        if (ValueCount > Reader.Left() / KEY_BYTES) {
             return false;
         }
         SAnimTrack Track;

@@ -1,6 +1,7 @@
 // The editor's free camera: a weightless body, so that it bumps into the ground instead of going through it.
 #include "foundation/Camera.h"
 #include "foundation/Screen.h"
+#include "gui/Gui.h"
 #include "input/Input.h"
 #include "physics/Physics.h"
 #include "world/GameLevel.h"
@@ -52,6 +53,7 @@ Vec3 PositionOf(const btRigidBody* Body) {
 
 void CLevel::ToggleEditor() {
     EditMode = !EditMode;
+    GuiLetGo();
     // The mouse is free in the editor, but a level's own free camera holds it in play.
     std::swap(GWarpMouse, OtherWarpMouse);
     if (!EditMode) {

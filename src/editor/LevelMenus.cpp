@@ -3,6 +3,7 @@
 #include "editor/Rows.h"
 #include "foundation/Screen.h"
 #include "graphics/ShaderLib.h"
+#include "gui/Gui.h"
 #include "input/Input.h"
 #include "physics/Physics.h"
 #include "scene/DrawHelpers.h"
@@ -22,11 +23,14 @@ void CLevel::FreeMenus() {
     Menus.Clear();
 }
 
+// The rows of a menu go with it, so the mouse lets go of them here: a menu that comes later may show them again.
 void CLevel::PushMenu(SMenu* Menu) {
+    GuiLetGo();
     Menus.Append(Menu);
 }
 
 void CLevel::PopMenu() {
+    GuiLetGo();
     delete Menus.last->obj;
     Menus.Unlink(Menus.last);
 }

@@ -7,7 +7,10 @@
 
 namespace {
 
-constexpr float PLANE_TOLERANCE = 0.0001f; // world units; also the smallest cosine of a ray that meets a plane
+constexpr float PLANE_TOLERANCE = 0.0001f; // world units, near the origin
+
+// What single precision may add to a point's distance from a plane, for each unit of the point's coordinates.
+constexpr float ROUNDING = 4 * FLT_EPSILON;
 
 // Nearer to the centre, in world units, a grab belongs to neither half of the cube.
 constexpr float HALF_TOLERANCE = 0.00001f;
@@ -22,8 +25,9 @@ bool MeetPlane(const Plane& P, const Ray& R, bool AllowBehind, Vec3& Out) {
 }
 
 bool IsInside(const Vec3& p, const Plane Planes[CUBE_FACES]) {
+    const float Tolerance = PLANE_TOLERANCE + ROUNDING * (M_Abs(p.x) + M_Abs(p.y) + M_Abs(p.z));
     for (INT32 i = 0; i < CUBE_FACES; ++i) {
-        if (M_PlaneDistance(Planes[i], p) > PLANE_TOLERANCE) {
+        if (M_PlaneDistance(Planes[i], p) > Tolerance) {
             return false;
         }
     }
@@ -34,6 +38,11 @@ bool IsInside(const Vec3& p, const Plane Planes[CUBE_FACES]) {
 float AngleInPlane(const GArray<Vec2>& Points, UINT32 From, UINT32 To) {
     const Vec2 Arm = Points[To] - Points[From];
     return M_Atan2(Arm.y, Arm.x);
+}
+
+// A grab in the middle of the cube, or across an axis without extent, has no multiples and changes nothing.
+float Multiple(float Now, float AtPress) {
+    return AtPress == 0 ? 1 : Now / AtPress;
 }
 
 } // namespace
@@ -138,7 +147,7 @@ Vec3 SMenu_Transform::FaceCentre() const {
 // How far the mouse is from the face's centre, in distances of the grabbed point.
 float SMenu_Transform::PullRatio(const Vec3& p) const {
     const Vec3 c = FaceCentre();
-    return M_Length(p - c) / M_Length(GrabPoint - c);
+    return Multiple(M_Length(p - c), M_Length(GrabPoint - c));
 }
 
 void SMenu_Transform::DragScaleUniform(const Vec3& p) {
@@ -166,7 +175,7 @@ void SMenu_Transform::StretchInFace(const Vec3& p) {
         const int Axis = Face / 2;
         const Vec3& n = StartPlanes[Face].Normal;
         const float Centred = M_Dot(StartCentre, n);
-        HalfSize[Axis] = (M_Dot(p, n) - Centred) * StartHalfSize[Axis] / (M_Dot(GrabPoint, n) - Centred);
+        HalfSize[Axis] = StartHalfSize[Axis] * Multiple(M_Dot(p, n) - Centred, M_Dot(GrabPoint, n) - Centred);
     }
 }
 

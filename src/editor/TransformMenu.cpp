@@ -2,6 +2,7 @@
 
 #include "editor/Rows.h"
 #include "graphics/ShaderLib.h"
+#include "gui/Gui.h"
 #include "input/Input.h"
 #include "scene/DrawHelpers.h"
 #include "world/GameLevel.h"
@@ -13,6 +14,7 @@
 namespace {
 
 constexpr float DEGREES_PER_RADIAN = 57.2957763671875f;
+constexpr float HALF_SIZE_OF_A_POINT = 1.0f; // of the cube round clients without extent
 constexpr Vec4 HIDDEN_COLOR = {0.3f, 0.5f, 0.7f, 0.5f};
 constexpr Vec4 VISIBLE_COLOR = {0.7f, 0.5f, 0.3f, 1.0f};
 
@@ -138,11 +140,12 @@ void SMenu_Transform::Reset() {
     }
 }
 
-// Several clients scale uniformly always.
+// Several clients scale uniformly always. Other rows stand in place of those that the mouse may hold.
 void SMenu_Transform::FlipUniformScale() {
     if (Clients.count > 1) {
         return;
     }
+    GuiLetGo();
     UniformScale = !UniformScale;
     if (UniformScale) {
         SetAll(ScaleData, Mean(ScaleData));
@@ -168,7 +171,8 @@ void SMenu_Transform::Prepare() {
     Centre = PreparedCentre = (Box.Min + Box.Max) * 0.5f;
     Rotation = Quat();
     const Vec3 Half = Box.Max - Centre;
-    SetAll(&HalfSize.x, Mean(&Half.x));
+    const float Size = Mean(&Half.x);
+    SetAll(&HalfSize.x, Size > 0 ? Size : HALF_SIZE_OF_A_POINT);
     PreparedHalfSize = HalfSize;
     Items.Resize(0);
     for (IRenderable* Client : Clients) {

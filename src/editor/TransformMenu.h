@@ -7,8 +7,8 @@
 // three value pointers at the menu's own cube, where only the three base values exist.
 // Units: world units; rows show rotations in degrees, as yaw, pitch and roll. Directions of turning are those of
 // M_Mat4FromQuat. Axes and faces are the cube's own: face f lies on axis f / 2, an even f on its positive side.
-// Cost: a step writes each client once; drawing is 24 lines and a full-screen quad. Bad input: a client without size
-// gives infinities by the rules of IEEE arithmetic.
+// Cost: a step writes each client once; drawing is 24 lines and a full-screen quad. Bad input: clients without extent
+// get a cube of half size 1, and what has no size on an axis keeps none by any drag; only the rows change that.
 #pragma once
 
 #include "editor/Menu.h"

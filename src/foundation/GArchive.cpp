@@ -65,8 +65,7 @@ FByteReader::FByteReader(GArray<UINT8>& Source) : Bytes(&Source) {
 }
 
 void FByteReader::Serialize(void* Data, UINT32 Size) {
-    const UINT32 Left = Bytes->count > Position ? Bytes->count - Position : 0;
-    const UINT32 Moved = Size < Left ? Size : Left;
+    const UINT32 Moved = Size < Left() ? Size : Left();
     if (Moved == 0) {
         return;
     }
@@ -86,4 +85,18 @@ void FByteReader::operator<<(FArchive& Src) {
     GCHECK_IN("GArchive", Src.m_bIsReader, "src.m_bIsReader");
     Bytes->Resize(BytesIn(Src));
     Src.Serialize(Bytes->Data, Bytes->count);
+}
+
+bool FByteReader::ReadText(GString& Text) {
+    UINT32 Length = 0;
+    if (Left() < sizeof(Length)) {
+        return false;
+    }
+    *this << Length;
+    if (Length > Left()) {
+        return false;
+    }
+    Text.Append(reinterpret_cast<const char*>(Bytes->Data) + Position, Length);
+    Position += Length;
+    return true;
 }

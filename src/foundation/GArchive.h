@@ -11,6 +11,7 @@
 #pragma once
 
 #include "foundation/GArray.h"
+#include "foundation/GString.h"
 #include "foundation/Types.h"
 
 class FArchive {
@@ -49,6 +50,13 @@ public:
 
     // Takes all bytes of Src in place of the present ones. The position stays.
     void operator<<(FArchive& Src) override;
+
+    // Bytes after the position: what a count that a file names is checked against before memory is taken for it.
+    UINT32 Left() const { return Bytes->count > Position ? Bytes->count - Position : 0; }
+
+    // Appends a text that stands as its length in bytes (a word), then its characters. False, and nothing appended, if
+    // the bytes end before it does.
+    bool ReadText(GString& Text);
 
     GArray<UINT8>* Bytes;
     UINT32 Position = 0;

@@ -32,8 +32,6 @@ public:
     }
 
 private:
-    UINT32 Left() { return static_cast<UINT32>(Reader.Size() - Reader.Tell()); }
-
     bool ReadMagic() {
         char Magic[sizeof(MAGIC)] = {};
         Reader.Serialize(Magic, sizeof(Magic));
@@ -42,11 +40,11 @@ private:
 
     // False for a count of zero, and for one of more records than the rest of the file can hold.
     bool ReadCount(UINT32& Count, UINT32 RecordBytes) {
-        if (Left() < sizeof(Count)) {
+        if (Reader.Left() < sizeof(Count)) {
             return false;
         }
         Reader << Count;
-        return Count > 0 && Count <= Left() / RecordBytes;
+        return Count > 0 && Count <= Reader.Left() / RecordBytes;
     }
 
     void ReadVertex(SMeshVertex& Vertex, SSkinVertex& Skin) {
@@ -84,21 +82,6 @@ private:
         return true;
     }
 
-    // Into an empty string.
-    bool ReadText(GString& Text) {
-        UINT32 Length = 0;
-        if (Left() < sizeof(Length)) {
-            return false;
-        }
-        Reader << Length;
-        if (Length > Left()) {
-            return false;
-        }
-        Text.Append(reinterpret_cast<const char*>(Reader.Bytes->Data) + Reader.Position, Length);
-        Reader.Position += Length;
-        return true;
-    }
-
     bool ReadParts() {
         UINT32 Count = 0;
         if (!ReadCount(Count, PART_BYTES)) {
@@ -107,7 +90,7 @@ private:
         Parts.Clear();
         for (UINT32 i = 0; i < Count; ++i) {
             GString Name;
-            if (!ReadText(Name) || Left() < PART_BYTES - sizeof(UINT32)) {
+            if (!Reader.ReadText(Name) || Reader.Left() < PART_BYTES - sizeof(UINT32)) {
                 return false;
             }
             SMeshFilePart Part;
@@ -139,7 +122,7 @@ private:
     bool ReadBone(UINT32 i) {
         SBone& Bone = Mesh.Bones[i];
         GString ParentName;
-        if (!ReadText(Bone.Name) || !ReadText(ParentName) || Left() < sizeof(Bone.Bind)) {
+        if (!Reader.ReadText(Bone.Name) || !Reader.ReadText(ParentName) || Reader.Left() < sizeof(Bone.Bind)) {
             return false;
         }
         for (float& Element : Bone.Bind.M) {

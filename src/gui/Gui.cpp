@@ -130,6 +130,15 @@ void GuiDragFloat(float* Value, UINT32 Id, float x, float y, float Width, float 
     GuiLabel(Ended ? LABEL_PLAIN : LabelState(State), x, y, Width, Height, Shown.CStr());
 }
 
+void GuiLetGo() {
+    if (!GButtons) {
+        return;
+    }
+    for (GMap<UINT32, SButtonState>::Iterator It(*GButtons); It.Valid(); It.Next()) {
+        It.Value().Pressed = 0;
+    }
+}
+
 void GuiFree() {
     delete GButtons;
     GButtons = nullptr;

@@ -48,4 +48,7 @@ UINT32 GuiCheckBox(UINT32* Value, UINT32 Id, float x, float y, float Width, floa
 // A number that follows the mouse sideways while the button is held on it, the faster the coarser.
 void GuiDragFloat(float* Value, UINT32 Id, float x, float y, float Width, float Height, float Min, float Max);
 
+// No widget is held any more, though the mouse button may be down: for who takes widgets off the screen.
+void GuiLetGo();
+
 void GuiFree();

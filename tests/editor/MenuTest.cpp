@@ -69,6 +69,39 @@ TEST_F(Editor, ADragsStepIsATenthOfWhatTheLastOneLeftIfItEndedOnTheWidget) {
     EXPECT_FLOAT_EQ(Drag(Row + Way), 10 + 10 * 96);
 }
 
+TEST_F(Editor, ARowIsLetGoWhenItsMenuGoesWhileTheButtonIsHeld) {
+    const auto Angle = [] { return GLevel->Params.LightDir_Angle; };
+    const auto IsDragged = [&](const auto& GoAndComeBack) {
+        StepAt(ROW, true);
+        EXPECT_TRUE((*GButtons)[1038].Pressed);
+        GoAndComeBack();
+        const float Before = Angle();
+        StepAt(ROW + Vec2{30, 0}, GMouseLeft);
+        StepAt(GMousePos);
+        return Angle() != Before;
+    };
+    const auto Key = [](UINT32 Which) {
+        StepAt(GMousePos, GMouseLeft, {Which});
+        StepAt(GMousePos, GMouseLeft);
+    };
+    Press({SDLK_2});
+    EXPECT_TRUE(IsDragged([] {}));
+    EXPECT_FALSE(IsDragged([&] {
+        Key(SDLK_0);
+        StepAt(GMousePos);
+        Key(SDLK_2);
+    })) << "let go elsewhere";
+    EXPECT_FALSE(IsDragged([&] {
+        Key(SDLK_0);
+        Key(SDLK_2);
+    })) << "never let go";
+    EXPECT_FALSE(IsDragged([&] {
+        GLevel->ToggleEditor();
+        StepAt(GMousePos);
+        GLevel->ToggleEditor();
+    }));
+}
+
 TEST_F(Editor, TheFreeCameraTakesOverTheViewAndFliesAlongIt) {
     GLevel->ToggleEditor();
     GLevel->Params.Gravity_Angle = 1;
@@ -131,6 +164,25 @@ TEST_F(Editor, F2StopsTheRideAndItsClockAndNoButtonOfTheGameLiesOverTheScene) {
     Turn(GAME_PLAYING, SDLK_x);
     EXPECT_FALSE(Turn(GAME_PLAYING, SDLK_F2));
     EXPECT_LT(GTimeLeft, 50);
+}
+
+TEST_F(Editor, EachShippedLevelComesBackFromItsSavedFileAndIsSavedAgainByteForByte) {
+    const std::string Saved = "Data/Levels/_TmpSlopeRush.wlm";
+    const auto Entities = [](const std::string& Text) {
+        std::size_t Count = 0;
+        for (std::size_t At = 0; (At = Text.find("\nentity ", At)) != std::string::npos; ++At) {
+            ++Count;
+        }
+        return Count;
+    };
+    for (const char* const Name : {"Level1", "Level2", "Level3", "Level4", "Level5", "Menu"}) {
+        const std::string Shipped = "Data/Levels/" + std::string(Name) + ".wlm";
+        EXPECT_EQ(LoadLevel(Shipped).SaveTemporaryLevel(), 1u);
+        const std::string First = ReadText(Saved);
+        EXPECT_EQ(Entities(First), Entities(ReadText(Shipped))) << Name;
+        EXPECT_EQ(LoadLevel(Saved).SaveTemporaryLevel(), 1u);
+        EXPECT_TRUE(ReadText(Saved) == First) << Name;
+    }
 }
 
 TEST_F(Editor, LooksAsItDidWhenItWasLookedAt) {

@@ -168,6 +168,55 @@ TEST_F(Cube, TurnedAndStretchedItIsPickedAndScaledAsInItsOwnSpace) {
     }
 }
 
+// As far away as the corners of the largest levels are, where a coordinate is exact to some ten thousandths.
+TEST_F(Cube, ItsFacesArePickedFarFromTheOriginToo) {
+    CRandom Random;
+    for (int i = 0; i < 600; ++i) {
+        Start();
+        Menu.Centre = Vec3{3900, -4300, 600} + Random.Point(60);
+        Menu.Rotation = Random.Rotation();
+        Mat4 Turn;
+        M_Mat4FromQuat(Turn, Menu.Rotation);
+        const auto World = [&](const Vec3& v) {
+            Vec3 Turned;
+            M_Mat4MulDir(Turn, v, Turned);
+            return Menu.Centre + Turned;
+        };
+        const int Across = i % 3;
+        Vec3 On = Random.Point(3.9f), Seen = Random.Point(99);
+        On[Across] = Random() < 0.5f ? -4.0f : 4.0f;
+        Seen[Across] = On[Across] * Random.Between(1.5f, 30);
+        Eye = World(Seen);
+        Press(World(On));
+        EXPECT_EQ(Menu.DragFace, 2 * Across + (On[Across] < 0));
+        Menu.DragFace = -1;
+        Seen[(Across + 1) % 3] = On[(Across + 1) % 3] = 4.05f; // past the edge
+        Eye = World(Seen);
+        Press(World(On));
+        EXPECT_EQ(Menu.DragFace, -1);
+    }
+}
+
+TEST_F(Cube, WithoutExtentOnAnAxisOrAtAllItStaysANumber) {
+    Start(1, TRANSFORM_SCALE);
+    Menu.HalfSize.x = 0;
+    DragFace(4, {0, 2, 4}, {1, 3, 4});
+    ExpectCube(MIDDLE + Vec3{0, 2, 0}, {0, 6, 4});
+    ExpectNear(Rocks[0].Scale, {0, 3, 2}, TOLERANCE);
+    for (const UINT32 Keys : {0u, DRAG_SHIFT, DRAG_CONTROL}) {
+        Start(1, TRANSFORM_SCALE); // grabbed in the middle, from where no distance can be a multiple
+        DragFace(5, {0, 0, -4}, {1, 3, -4}, Keys);
+        ExpectCube(MIDDLE, {4, 4, 4});
+    }
+    Rocks[0].BBox = {MIDDLE, MIDDLE};
+    Rocks[0].SetPosition(MIDDLE);
+    Menu.Prepare();
+    Menu.Centre.x += 5;
+    Menu.MoveClients();
+    ExpectNear(Rocks[0].Pos, MIDDLE + Vec3{5, 0, 0}, TOLERANCE);
+    ExpectNear(Rocks[0].Scale, {2, 2, 2}, TOLERANCE);
+}
+
 TEST_F(Cube, OnlyAPressOnAFaceStartsAndARayAlongThePlaneChangesNothing) {
     Start();
     Eye = {10, 20, 90};
@@ -246,7 +295,10 @@ TEST_F(TransformMenu, RowsStandInTheirOrderAndChangeOneValueEach) {
     EXPECT_TRUE(M[0] == 1.25f && R[1] == 1.25f && S[3] == 1.25f && M[4] == 1 && M[5] == -1.5f);
     S[0] = 1;
     S[3] = 40;
+    Step({950, 110}, true);
     Menu.DoOp(2);
+    EXPECT_FALSE((*GButtons)[1234].Pressed) << "its row is gone";
+    Step({950, 110}, false);
     EXPECT_TRUE(S[0] == 7 && S[1] == 7 && S[2] == 7 && S[3] == 20 && S[4] == 20) << "means";
     PullRow(1, 10);
     EXPECT_TRUE(S[3] == 30 && S[4] == 30 && S[5] == 30);

@@ -26,7 +26,6 @@ struct STextPlace {
 };
 constexpr STextPlace FIRST_BUTTON = {{341, 324, 341, 72}, 42}, SECOND_BUTTON = {{341, 432, 341, 72}, 42};
 constexpr STextPlace HEADING = {{212, 216, 600, 30}, 30}, TREES = {{40, 50, 300, 23}, 24, false};
-constexpr STextPlace LOADING = {{0, 288, 1024, 48}, 48};
 constexpr SPart TITLE = {224, 0, 576, 288};
 constexpr SPart SCENE = {0, 110, 1024, 100}; // below the HUD and above the menus
 
@@ -70,21 +69,22 @@ protected:
         fs::permissions(Script, fs::perms::owner_all);
     }
 
-    // From another directory than the game's own: it has to find its data itself.
+    // From another directory than the game's own: it has to find its data itself. The window of a game before it must
+    // be gone, or it would be taken for this one's.
     void Start(const std::string& Variables = "") {
         Game.reset();
+        EXPECT_TRUE(Soon([] { return Shell("xdotool search --onlyvisible --name '^SlopeRush$'").empty(); }));
         Game = std::make_unique<CProgram>(Folder, "sloperush", Variables);
     }
     void StartToLogo(const std::string& Variables = "") {
         Start(Variables);
         const CPixels Empty(std::size_t{3} * SCENE.Width * SCENE.Height);
-        // The last case's window may still be there for a moment.
         ASSERT_TRUE(Soon([&] {
             Window = FindWindow("SlopeRush", 10);
             const CPixels Picture = PictureOf(Window, SCENE);
             return Picture.size() == Empty.size() && MeanDifference(Picture, Empty) > 5;
         })) << Game->Output();
-        Shell("xdotool windowfocus --sync " + Window);
+        Shell("timeout 10 xdotool windowfocus --sync " + Window);
         MoveMouse(Window, 900, 500);
     }
     void StartToMenu(const std::string& Variables = "") {
