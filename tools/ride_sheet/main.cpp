@@ -2,10 +2,14 @@
 // time a picture of the window goes onto one sheet, row by row.
 //
 //     ride_sheet LEVEL SHEET [--seed N] [--every SECONDS] [--columns N] [--frames FOLDER]
+//     ride_sheet LEVEL --pace [--seed N]
 //
 // LEVEL is 1 to 5, or 0 for the view behind the title; SHEET a .jpg or .png file. --frames leaves each picture in full
 // size in a folder that is there. The seed sows the wood. Printed is a line for each picture (place, speed, trees, how
-// long drawing it took) and one about the ride. Needs a display and the data beside the executable.
+// long drawing it took) and one about the ride. With --pace there is no sheet: thirty pictures a second of game time
+// are drawn as fast as can be, and how many a second of the clock that were is printed, the game's own steps included.
+// Needs a display and the data beside the executable.
+#include "Pace.h"
 #include "bots/Ride.h"
 #include "foundation/Diagnostics.h"
 #include "foundation/Screen.h"
@@ -37,10 +41,11 @@ constexpr UINT32 THUMB_HEIGHT = THUMB_WIDTH * WINDOW_HEIGHT / WINDOW_WIDTH;
 constexpr float FIRST_PICTURE = 0.5f; // seconds after the start
 constexpr int MENU_PICTURES = 2;
 constexpr float REST_TIME = 4; // seconds that are shown after the end
+constexpr float PACE_STEP = 2 * BOT_STEP;
 
 struct SWishes {
     UINT32 Level = 1;
-    std::string Sheet;
+    std::string Sheet; // empty: the pace is measured
     UINT32 Seed = 1;
     float Every = 5;
     UINT32 Columns = 4;
@@ -48,6 +53,10 @@ struct SWishes {
 };
 
 SWishes Wishes;
+
+double MillisecondsSince(std::chrono::steady_clock::time_point Start) {
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - Start).count();
+}
 
 // The window's picture as an image of DevIL's, which the caller deletes.
 ILuint GrabWindow() {
@@ -112,6 +121,7 @@ public:
 private:
     void StepFor(float Seconds);
     void StepOnce();
+    double Draw();
     void TakePicture();
     void Report(const Vec3& Place, double Milliseconds);
     bool IsOver() const;
@@ -121,6 +131,7 @@ private:
     std::unique_ptr<CBot> Bot;
     std::optional<CPlan> Plan;
     CSheet Sheet;
+    CPace Pace;
     float Time = 0;
     float EndTime = 0; // when the level ended, 0 before
     int Pictures = 0;
@@ -141,6 +152,7 @@ void CRideGame::Init() {
     Bot = std::make_unique<CBot>(Skills[EXPERT], Wishes.Seed);
     Plan.emplace(GLevels[GLevelIndex]);
     StepFor(FIRST_PICTURE);
+    Pace = {}; // the first steps of a level fill its caches
 }
 
 void CRideGame::StepFor(float Seconds) {
@@ -153,25 +165,36 @@ void CRideGame::StepOnce() {
     if (Bot) {
         PressKeys(Bot->Think(Plan->Wanted(), Plan->Hurry(Time, Skills[EXPERT].Care)));
     }
+    const auto Start = std::chrono::steady_clock::now();
     Real->Update(Time, BOT_STEP);
+    Pace.Add(Time, MillisecondsSince(Start));
     Time += BOT_STEP;
     if (GGameState == GAME_END && EndTime == 0) {
         EndTime = Time;
     }
 }
 
-// The first picture compiles shaders and is left out of the times.
-void CRideGame::Render(float) {
+// Milliseconds of the picture, drawn to the end.
+double CRideGame::Draw() {
     const auto Start = std::chrono::steady_clock::now();
     Real->Render(1);
     glFinish();
-    const std::chrono::duration<double, std::milli> Took = std::chrono::steady_clock::now() - Start;
+    return MillisecondsSince(Start);
+}
+
+// The first picture compiles shaders and is left out of the times.
+void CRideGame::Render(float) {
+    const double Took = Draw();
     if (Pictures > 0) {
-        AllMilliseconds += Took.count();
-        SlowestMilliseconds = std::max(SlowestMilliseconds, Took.count());
+        AllMilliseconds += Took;
+        SlowestMilliseconds = std::max(SlowestMilliseconds, Took);
+        Pace.Add(Time, Took);
+        Pace.CountPicture();
     }
-    TakePicture();
-    Report(Bot ? TheRider().Client.Pos : GCamera.Eye, Took.count());
+    if (!Wishes.Sheet.empty()) {
+        TakePicture();
+        Report(Bot ? TheRider().Client.Pos : GCamera.Eye, Took);
+    }
     ++Pictures;
     if (IsOver()) {
         End();
@@ -205,7 +228,11 @@ bool CRideGame::IsOver() const {
 void CRideGame::End() {
     std::printf("level %u, seed %u: %.1f s, %u trees; a picture took %.1f ms, the slowest %.1f\n", Wishes.Level,
                 Wishes.Seed, EndTime, GTreesCut, AllMilliseconds / std::max(1, Pictures - 1), SlowestMilliseconds);
-    Sheet.Save(Wishes.Sheet, Wishes.Columns);
+    if (Wishes.Sheet.empty()) {
+        Pace.Print();
+    } else {
+        Sheet.Save(Wishes.Sheet, Wishes.Columns);
+    }
     GQuit = 1;
 }
 
@@ -240,7 +267,11 @@ bool ReadWishes(int ArgCount, char** Args) {
         return false;
     }
     Wishes.Level = static_cast<UINT32>(Args[1][0] - '0');
-    Wishes.Sheet = FullPath(Args[2]);
+    if (std::strcmp(Args[2], "--pace") == 0) {
+        Wishes.Every = PACE_STEP;
+    } else {
+        Wishes.Sheet = FullPath(Args[2]);
+    }
     for (int i = 3; i < ArgCount; i += 2) {
         if (!ReadWish(Args[i], Args[i + 1])) {
             return false;
@@ -253,7 +284,8 @@ bool ReadWishes(int ArgCount, char** Args) {
 
 int main(int ArgCount, char** Args) {
     if (!ReadWishes(ArgCount, Args)) {
-        std::printf("ride_sheet LEVEL SHEET [--seed N] [--every SECONDS] [--columns N] [--frames FOLDER]\n");
+        std::printf("ride_sheet LEVEL SHEET [--seed N] [--every SECONDS] [--columns N] [--frames FOLDER]\n"
+                    "ride_sheet LEVEL --pace [--seed N]\n");
         return 1;
     }
     return RunApplication(ArgCount, Args, CreateRideGame);
