@@ -123,7 +123,7 @@ TEST_F(Heard, AStrokeSwishesAndThenHits) {
 }
 
 TEST_F(Heard, SlidingIsLouderAtSpeedThanAtRest) {
-    WriteQuickLevels("gravr=14", "file=Data/Terrain/Slope1.ter ", "-72;3960;678.86");
+    WriteQuickLevels("gravr=14", "file=Data/Terrain/Slope1.ter ", "0;4050;564");
     ReplaceMusic(0);
     ASSERT_NO_FATAL_FAILURE(StartToRide(Variables));
     Record(2);
