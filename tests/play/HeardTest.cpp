@@ -123,6 +123,7 @@ TEST_F(Heard, AStrokeSwishesAndThenHits) {
 }
 
 TEST_F(Heard, SlidingIsLouderAtSpeedThanAtRest) {
+    // On the level ground of the first slope's start, in the quick levels' size: without a push nothing slides there.
     WriteQuickLevels("gravr=14", "file=Data/Terrain/Slope1.ter ", "0;4050;564");
     ReplaceMusic(0);
     ASSERT_NO_FATAL_FAILURE(StartToRide(Variables));
